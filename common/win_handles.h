@@ -1,0 +1,76 @@
+// One owner type per Windows handle kind. Adding a kind is one traits struct and one alias.
+#pragma once
+
+#include <windows.h>
+
+#include "common/unique_handle.h"
+
+namespace handle_traits {
+
+template <typename H, BOOL(WINAPI* CloseFn)(H)>
+struct NullInvalid {
+    using Handle = H;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { CloseFn(h); }
+};
+
+// Kernel handles: both null and INVALID_HANDLE_VALUE mean "nothing".
+struct Kernel {
+    using Handle = HANDLE;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr && h != INVALID_HANDLE_VALUE; }
+    static void Close(Handle h) noexcept { CloseHandle(h); }
+};
+
+struct RegKey {
+    using Handle = HKEY;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { RegCloseKey(h); }
+};
+
+struct MappedView {
+    using Handle = const void*;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { UnmapViewOfFile(h); }
+};
+
+struct LocalMemory {
+    using Handle = HLOCAL;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { LocalFree(h); }
+};
+
+struct GdiObject {
+    using Handle = HGDIOBJ;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { DeleteObject(h); }
+};
+
+}  // namespace handle_traits
+
+using UniqueKernelHandle = UniqueHandle<handle_traits::Kernel>;
+using UniqueRegKey = UniqueHandle<handle_traits::RegKey>;
+using UniqueMappedView = UniqueHandle<handle_traits::MappedView>;
+using UniqueLocalMemory = UniqueHandle<handle_traits::LocalMemory>;
+using UniqueGdiObject = UniqueHandle<handle_traits::GdiObject>;
+using UniqueIcon = UniqueHandle<handle_traits::NullInvalid<HICON, DestroyIcon>>;
+using UniqueModule = UniqueHandle<handle_traits::NullInvalid<HMODULE, FreeLibrary>>;
+
+// A window DC from GetDC, given back with ReleaseDC.
+class WindowDC {
+public:
+    explicit WindowDC(HWND window) noexcept : window_(window), dc_(GetDC(window)) {}
+    ~WindowDC() { if (dc_) ReleaseDC(window_, dc_); }
+    WindowDC(const WindowDC&) = delete;
+    WindowDC& operator=(const WindowDC&) = delete;
+    HDC get() const noexcept { return dc_; }
+
+private:
+    HWND window_;
+    HDC dc_;
+};

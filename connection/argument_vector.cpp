@@ -1,0 +1,171 @@
+#include "connection/argument_vector.h"
+
+#include <shellapi.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "common/win_handles.h"
+
+namespace {
+
+bool RealDebuggerPresent() { return IsDebuggerPresent() != FALSE; }
+void RealBreak() { DebugBreak(); }
+void RealSleep(DWORD milliseconds) { Sleep(milliseconds); }
+void RealAnnounce(const char* message) {
+    OutputDebugStringA(message);
+    MessageBeep(0);
+}
+
+DebuggerWaitHooks g_debuggerWait = RealDebuggerWaitHooks();
+
+using MultiByteToWideCharFn = decltype(&MultiByteToWideChar);
+using WideCharToMultiByteFn = decltype(&WideCharToMultiByte);
+
+// The two code-page conversions, looked up in kernel32.dll at run time.
+struct CodePageConverters {
+    UniqueModule kernel32{LoadLibraryExA("kernel32.dll", nullptr, 0)};
+    MultiByteToWideCharFn toWide = nullptr;
+    WideCharToMultiByteFn toAnsi = nullptr;
+
+    CodePageConverters() {
+        if (!kernel32) return;
+        toWide = reinterpret_cast<MultiByteToWideCharFn>(
+            reinterpret_cast<void*>(GetProcAddress(kernel32.get(), "MultiByteToWideChar")));
+        toAnsi = reinterpret_cast<WideCharToMultiByteFn>(
+            reinterpret_cast<void*>(GetProcAddress(kernel32.get(), "WideCharToMultiByte")));
+    }
+    bool ok() const { return toWide && toAnsi; }
+};
+
+std::string ProgramPath() {
+    char path[261] = {};
+    const DWORD length = GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof(path));
+    return std::string(path, length < sizeof(path) ? length : sizeof(path) - 1);
+}
+
+}  // namespace
+
+DebuggerWaitHooks RealDebuggerWaitHooks() noexcept {
+    return {RealDebuggerPresent, RealBreak, RealSleep, RealAnnounce};
+}
+
+DebuggerWaitHooks SetDebuggerWaitHooks(const DebuggerWaitHooks& hooks) noexcept {
+    const DebuggerWaitHooks previous = g_debuggerWait;
+    g_debuggerWait = hooks;
+    return previous;
+}
+
+void WaitForDebugger() {
+    if (g_debuggerWait.debuggerPresent()) {
+        g_debuggerWait.breakIntoDebugger();
+        return;
+    }
+    char message[64];
+    std::snprintf(message, sizeof(message), "Process %d waiting to be debugged...",
+                  static_cast<int>(GetCurrentProcessId()));
+    g_debuggerWait.announce(message);
+    for (int poll = 0; poll < kDebuggerPolls; ++poll) {
+        if (g_debuggerWait.debuggerPresent()) {
+            g_debuggerWait.breakIntoDebugger();
+            return;
+        }
+        g_debuggerWait.sleep(kDebuggerPollMilliseconds);
+    }
+}
+
+std::int32_t RedirectRegistryToSandbox(const char* prefix) {
+    UniqueRegKey sandbox;
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Marrowby\\setup\\sandbox", 0, nullptr, 0,
+                        KEY_READ | KEY_WRITE, nullptr, sandbox.put(), nullptr) != ERROR_SUCCESS)
+        return 0;
+
+    static const struct {
+        HKEY root;
+        const char* name;
+    } kRoots[] = {
+        {HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT"},
+        {HKEY_CURRENT_CONFIG, "HKEY_CURRENT_CONFIG"},
+        {HKEY_CURRENT_USER, "HKEY_CURRENT_USER"},
+        {HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE"},
+        {HKEY_PERFORMANCE_DATA, "HKEY_PERFORMANCE_DATA"},
+        {HKEY_USERS, "HKEY_USERS"},
+    };
+
+    std::int32_t result = 1;
+    for (const auto& root : kRoots) {
+        char name[261];
+        if (prefix)
+            std::snprintf(name, sizeof(name), "%s\\%s", prefix, root.name);
+        else
+            std::snprintf(name, sizeof(name), "%s", root.name);
+        UniqueRegKey redirected;
+        if (RegCreateKeyExA(sandbox.get(), name, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
+                            redirected.put(), nullptr) != ERROR_SUCCESS ||
+            RegOverridePredefKey(root.root, redirected.get()) != ERROR_SUCCESS)
+            result = 0;
+    }
+    return result;
+}
+
+std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut,
+                                 bool withProgramName, void* context,
+                                 RegistrationCallback registrationCallback,
+                                 std::int32_t* callbackResultOut) {
+    const std::string line = argument_text::PrepareCommandLine(
+        withProgramName ? ProgramPath() : std::string(), withProgramName,
+        text ? std::string_view(text) : std::string_view());
+
+    const CodePageConverters convert;
+    if (!convert.ok()) return 0;
+
+    const int wideLength = convert.toWide(CP_ACP, 0, line.c_str(), -1, nullptr, 0);
+    if (wideLength <= 0) return 0;
+    std::vector<wchar_t> wide(static_cast<std::size_t>(wideLength));
+    convert.toWide(CP_ACP, 0, line.c_str(), -1, wide.data(), wideLength);
+
+    int argc = 0;
+    const UniqueLocalMemory wideArgs(
+        reinterpret_cast<HLOCAL>(CommandLineToArgvW(wide.data(), &argc)));
+    if (!wideArgs) return 0;
+    wchar_t** const wideArgv = reinterpret_cast<wchar_t**>(wideArgs.get());
+
+    // One block: argc + 2 pointer slots, then every argument's 8-bit text.
+    const std::size_t slotBytes = (static_cast<std::size_t>(argc) + 2) * sizeof(char*);
+    std::vector<int> sizes(static_cast<std::size_t>(argc));
+    std::size_t total = slotBytes;
+    for (int i = 0; i < argc; ++i) {
+        sizes[i] = convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, nullptr, 0, nullptr, nullptr);
+        if (sizes[i] < 1) sizes[i] = 1;
+        total += static_cast<std::size_t>(sizes[i]);
+    }
+    UniqueLocalMemory block(LocalAlloc(LMEM_FIXED | LMEM_ZEROINIT, total));
+    if (!block) return 0;
+
+    char** const argv = static_cast<char**>(block.get());
+    char* strings = reinterpret_cast<char*>(block.get()) + slotBytes;
+    for (int i = 0; i < argc; ++i) {
+        argv[i] = strings;
+        convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, strings, sizes[i], nullptr, nullptr);
+        strings[sizes[i] - 1] = '\0';
+        strings += sizes[i];
+        if (argument_text::StartsDebuggerWait(argv[i])) WaitForDebugger();
+    }
+    argv[argc] = nullptr;
+    argv[argc + 1] = nullptr;
+
+    if (argcOut) *argcOut = argc;
+    if (argvOut) *argvOut = static_cast<char**>(block.release());
+
+    if (!registrationCallback || argc < 2) return 0;
+    const argument_text::RegistrationKeyword* keyword =
+        argument_text::FindRegistrationKeyword(argv[1]);
+    if (!keyword) return 0;
+    RegistrationState state = keyword->state;
+    if (state.sandbox) RedirectRegistryToSandbox(nullptr);
+    const std::int32_t result = registrationCallback(&state, context);
+    if (callbackResultOut) *callbackResultOut = result;
+    return 1;
+}

@@ -1,0 +1,46 @@
+// Splits an 8-bit option text into an argument vector by the rules Windows uses for a
+// process command line, and the two services of programs started with such a line:
+// the "--debug" wait for a debugger and the registration keywords with their optional
+// redirection of the registry roots into a sandbox key.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+#include "connection/argument_text.h"
+
+using RegistrationState = argument_text::RegistrationState;
+using RegistrationCallback = std::int32_t (*)(RegistrationState* state, void* context);
+
+// Builds the vector into one LocalAlloc block (argc + 2 pointer slots, then the
+// strings; the slot after the last argument is null), which the caller frees with
+// LocalFree. Returns 1 when the first argument after the program path was a
+// registration keyword and the callback ran, else 0. On an allocation failure it
+// returns early and leaves the outputs unset.
+std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut,
+                                 bool withProgramName, void* context,
+                                 RegistrationCallback registrationCallback,
+                                 std::int32_t* callbackResultOut);
+
+// Breaks into an attached debugger, or announces the process id and polls for one for
+// about two minutes (1,200 x 100 ms) before going on silently.
+void WaitForDebugger();
+
+// Points HKEY_CLASSES_ROOT, HKEY_CURRENT_CONFIG, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE,
+// HKEY_PERFORMANCE_DATA and HKEY_USERS at subkeys of HKCU\SOFTWARE\Marrowby\setup\sandbox
+// (below "<prefix>\" when a prefix is given). 1 when every root was redirected.
+std::int32_t RedirectRegistryToSandbox(const char* prefix);
+
+// What WaitForDebugger does to the world, replaceable so tests need not wait two minutes.
+struct DebuggerWaitHooks {
+    bool (*debuggerPresent)();
+    void (*breakIntoDebugger)();
+    void (*sleep)(DWORD milliseconds);
+    void (*announce)(const char* message);  // OutputDebugStringA and MessageBeep(0)
+};
+DebuggerWaitHooks SetDebuggerWaitHooks(const DebuggerWaitHooks& hooks) noexcept;
+DebuggerWaitHooks RealDebuggerWaitHooks() noexcept;
+
+constexpr int kDebuggerPolls = 1200;
+constexpr DWORD kDebuggerPollMilliseconds = 100;

@@ -1,0 +1,24 @@
+# Debian packages the build and the tests need; installs only what is missing.
+VQC_PACKAGES=(
+  cmake ninja-build make
+  g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64
+  clang libclang-rt-14-dev
+  googletest
+  wine wine64
+  xvfb xauth
+)
+
+install_missing_packages() {
+  local missing=()
+  for package in "${VQC_PACKAGES[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" \
+      || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  echo "installing: ${missing[*]}"
+  local sudo=""
+  [ "$(id -u)" -eq 0 ] || sudo=sudo
+  $sudo apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >/dev/null
+}

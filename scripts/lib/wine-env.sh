@@ -1,0 +1,48 @@
+# Xvfb, the Wine prefix and a persistent wineserver for the Windows tests.
+# Everything started here is stopped when the calling script exits.
+WINE_LOADER=/usr/lib/wine/wine64
+export WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+
+_vqc_cleanup() {
+  if [ -n "${WINEPREFIX:-}" ]; then wineserver -k >/dev/null 2>&1 || true; fi
+  if [ -n "${VQC_XVFB_PID:-}" ]; then kill "$VQC_XVFB_PID" 2>/dev/null || true; fi
+}
+trap _vqc_cleanup EXIT
+
+# Xvfb first: a wineserver started without a display refuses windows for good.
+start_test_display() {
+  local displayfile
+  displayfile=$(mktemp)
+  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$displayfile" >/dev/null 2>&1 &
+  VQC_XVFB_PID=$!
+  for _ in $(seq 100); do [ -s "$displayfile" ] && break; sleep 0.1; done
+  export DISPLAY=":$(head -n1 "$displayfile")"
+  rm -f "$displayfile"
+}
+
+# A private 64-bit prefix, created once and reused. Crashes must end the process (exit
+# code 5) instead of opening the debugger dialog, and top-level windows are unmanaged so
+# that DestroyWindow does not wait for a window manager.
+prepare_wine_prefix() {
+  export WINEPREFIX="$1"
+  export WINEARCH=win64
+  if [ ! -f "$WINEPREFIX/.vqc-ready" ]; then
+    rm -rf "$WINEPREFIX"
+    mkdir -p "$WINEPREFIX"
+    "$WINE_LOADER" wineboot --init >/dev/null 2>&1
+    wineserver -w
+    "$WINE_LOADER" reg add "HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\AeDebug" \
+      /v Debugger /d "" /f >/dev/null 2>&1
+    "$WINE_LOADER" reg add "HKCU\\Software\\Wine\\WineDbg" /v ShowCrashDialog /t REG_DWORD \
+      /d 0 /f >/dev/null 2>&1
+    "$WINE_LOADER" reg add "HKCU\\Software\\Wine\\X11 Driver" /v Managed /d N /f >/dev/null 2>&1
+    wineserver -w
+    touch "$WINEPREFIX/.vqc-ready"
+  fi
+}
+
+start_wine_server() {
+  wineserver -p </dev/null >/dev/null 2>&1
+  "$WINE_LOADER" cmd /c exit </dev/null >/dev/null 2>&1 || true
+}
