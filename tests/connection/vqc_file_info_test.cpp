@@ -32,17 +32,19 @@ void* const kUntouched = reinterpret_cast<void*>(static_cast<uintptr_t>(0xdeadbe
 
 }  // namespace
 
-TEST(VQCFileInfo, FreshRecordHasDefaultsNoIconsAndNoReferences) {
+TEST(VQCFileInfo, FreshRecordHasNoIconsNoReferencesAndTheSettingsDefaults) {
     VQCFileInfo record("C:\\conn\\a.vqc");
-    EXPECT_EQ(record.servicePort, -1);
-    EXPECT_EQ(record.proxyPort, 8080);
-    EXPECT_EQ(record.brokerPort, 14600);
-    EXPECT_EQ(record.clientVersion, 726);
-    EXPECT_EQ(record.route, 0);
     EXPECT_EQ(record.refCount, 0u);
     EXPECT_EQ(record.icon.get(), nullptr);
     EXPECT_EQ(record.smallIcon.get(), nullptr);
     EXPECT_EQ(record.filePath, "C:\\conn\\a.vqc");
+    EXPECT_EQ(record.servicePort, -1);
+    EXPECT_EQ(record.clientVersion, 726);
+}
+
+TEST(VQCFileInfo, NullPathGivesAnEmptyFilePath) {
+    VQCFileInfo record(nullptr);
+    EXPECT_EQ(record.filePath, "");
 }
 
 TEST(VQCFileInfo, FieldsKeepTheirDeclaredOrderInMemory) {
