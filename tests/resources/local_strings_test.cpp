@@ -141,16 +141,19 @@ TEST(LocalStrings, SampleRowCommandLineAsStored) {
 TEST(LocalStrings, ProductNameStaysVoxaInEveryLanguage) {
     for (int language = 1; language <= kLanguageSlots; ++language) {
         const char16_t* text = Cell(13, language);
-        if (text != nullptr) EXPECT_NE(FirstString(text).find(u"VOXA"), std::u16string_view::npos) << language;
+        if (text != nullptr) {
+            EXPECT_NE(FirstString(text).find(u"VOXA"), std::u16string_view::npos) << language;
+        }
     }
 }
 
 TEST(LocalStrings, SampleRowLookForIconsOnlyInChineseSimplified) {
     for (const auto& own : expected::kOwnLanguageIndices) {
-        if (own.index == kChineseSimplified)
+        if (own.index == kChineseSimplified) {
             EXPECT_EQ(FirstString(Cell(24, own.index)), u"\u67E5\u627E\u56FE\u6807\u4E8E: %1");
-        else
+        } else {
             EXPECT_EQ(Cell(24, own.index), nullptr) << own.code;
+        }
     }
 }
 
@@ -160,7 +163,9 @@ TEST(LocalStrings, JapaneseKeepsItsThreeStoredTexts) {
     EXPECT_EQ(FirstString(Cell(12, kJapanese)), u"\uFF95\uFF70\uFF7B\uFF9E\uFF70ID:");
     EXPECT_EQ(FirstString(Cell(14, kJapanese)), u"\uFF8A\uFF9F\uFF7D\uFF9C\uFF70\uFF84\uFF9E:");
     for (int id = 0; id < 49; ++id)
-        if (id != 11 && id != 12 && id != 14) EXPECT_EQ(Cell(id, kJapanese), nullptr) << id;
+        if (id != 11 && id != 12 && id != 14) {
+            EXPECT_EQ(Cell(id, kJapanese), nullptr) << id;
+        }
 }
 
 TEST(LocalStrings, FilterListsAreKeptAsStored) {
