@@ -48,8 +48,3 @@ extern const DialogDesc* const g_dialogDescs[kDialogCount];
 
 // The description of a template index, or null outside 1 to 4.
 const DialogDesc* FindDialogDesc(int index) noexcept;
-
-// Control ids the pages address by name.
-enum : std::int32_t {
-    kBrowseIconButtonId = 1040,
-};

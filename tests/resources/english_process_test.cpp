@@ -93,6 +93,21 @@ TEST(DialogBuilder, DefaultGuiFontFaceIsTheStockFontsAnsiFaceWidened) {
     EXPECT_EQ(std::wstring(t.faceName.begin(), t.faceName.end()), DefaultGuiFontFace());
 }
 
+// Under Wine the stock face happens to be "MS Shell Dlg" too, so a description with a
+// different stored face shows which of the two is written.
+TEST(DialogBuilder, StoredFaceOnlySwitchesTheFontOn) {
+    static constexpr LocalValue zero{0, 1, nullptr};
+    const ControlDesc* const controls[] = {nullptr};
+    const DialogDesc desc{9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr, 8,
+                          u"Stored Face Never Written", controls};
+    std::vector<std::uint8_t> bytes(BuildDialogTemplate(&desc, nullptr, 0));
+    ASSERT_EQ(BuildDialogTemplate(&desc, bytes.data(), 0), bytes.size());
+    const DecodedTemplate t = DecodeTemplate(bytes.data(), bytes.size());
+    ASSERT_TRUE(t.ok);
+    EXPECT_TRUE(t.hasFont);
+    EXPECT_EQ(std::wstring(t.faceName.begin(), t.faceName.end()), StockGuiFontFace());
+}
+
 TEST(DialogBuilder, AllocOutsideOneToFourGivesNull) {
     EXPECT_EQ(AllocDialogTemplate(0, 0), nullptr);
     EXPECT_EQ(AllocDialogTemplate(5, 0), nullptr);
