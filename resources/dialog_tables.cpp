@@ -1,0 +1,155 @@
+#include "resources/dialog_tables.h"
+
+#include <cstddef>
+#include <iterator>
+#include <utility>
+
+#include "resources/local_strings.h"
+
+std::int32_t ResolveLocalValue(const LocalValue* list, int languageIndex) noexcept {
+    std::int32_t fallback = 0;
+    for (const LocalValue* node = list; node != nullptr; node = node->next) {
+        if (node->language == static_cast<std::uint32_t>(languageIndex)) return node->value;
+        if (node->language == 1) fallback = node->value;
+    }
+    return fallback;
+}
+
+namespace {
+
+// A list holding one value for every language. Equal values share one node.
+template <std::uint32_t V>
+constexpr LocalValue kAll{static_cast<std::int32_t>(V), 1, nullptr};
+
+// The one number that differs by language: German needs a wider Browse button.
+constexpr LocalValue kBrowseWidthDefault{62, 1, nullptr};
+constexpr LocalValue kBrowseWidth{90, 2, &kBrowseWidthDefault};
+
+constexpr const char16_t* kStatic = u"static";
+constexpr const char16_t* kEdit = u"edit";
+constexpr const char16_t* kButton = u"button";
+constexpr const char16_t* kComboBox = u"combobox";
+constexpr const char16_t* kListBox = u"listbox";
+constexpr const char16_t* const* kNoCaption = nullptr;
+
+// WS_CHILD | WS_VISIBLE and the rest of each kind's bits.
+constexpr std::uint32_t kLabel = 0x50000000;           // SS_LEFT
+constexpr std::uint32_t kTextBox = 0x50810080;         // WS_BORDER | WS_TABSTOP | ES_AUTOHSCROLL
+constexpr std::uint32_t kNumberBox = 0x50812080;       // ... | ES_NUMBER
+constexpr std::uint32_t kCheckBox = 0x50010003;        // WS_TABSTOP | BS_AUTOCHECKBOX
+
+constexpr ControlDesc Control(std::int32_t id, const LocalValue* x, const LocalValue* y,
+                              const LocalValue* cx, const LocalValue* cy, const LocalValue* style,
+                              const char16_t* className, const char16_t* const* texts) {
+    return ControlDesc{id, x, y, cx, cy, style, &kAll<0>, className, texts};
+}
+
+// Template 1, Connection page. Groups that the page shows one at a time share places.
+//                                  id    x           y            cx           cy           style
+constexpr ControlDesc kConnection[] = {
+    Control(1001, &kAll<6>,  &kAll<6>,   &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(15)),
+    Control(1002, &kAll<68>, &kAll<4>,   &kAll<104>, &kAll<100>, &kAll<0x50210103>, kComboBox, kNoCaption),
+    Control(1003, &kAll<6>,  &kAll<24>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(12)),
+    Control(1004, &kAll<68>, &kAll<22>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1005, &kAll<6>,  &kAll<23>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(11)),
+    Control(1006, &kAll<68>, &kAll<21>,  &kAll<104>, &kAll<74>,  &kAll<0x50210042>, kComboBox, kNoCaption),
+    Control(1007, &kAll<6>,  &kAll<40>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(16)),
+    Control(1008, &kAll<68>, &kAll<38>,  &kAll<104>, &kAll<76>,  &kAll<0x50210043>, kComboBox, kNoCaption),
+    Control(1009, &kAll<6>,  &kAll<56>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(12)),
+    Control(1010, &kAll<68>, &kAll<54>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1011, &kAll<6>,  &kAll<21>,  &kAll<109>, &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(13)),
+    Control(1012, &kAll<6>,  &kAll<34>,  &kAll<166>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1013, &kAll<6>,  &kAll<49>,  &kAll<109>, &kAll<20>,  &kAll<kLabel>,     kStatic,   LocalTexts(17)),
+    Control(1014, &kAll<6>,  &kAll<60>,  &kAll<166>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1015, &kAll<6>,  &kAll<72>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(18)),
+    Control(1016, &kAll<68>, &kAll<70>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1017, &kAll<6>,  &kAll<88>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(19)),
+    Control(1018, &kAll<68>, &kAll<86>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(1019, &kAll<6>,  &kAll<104>, &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(46)),
+    Control(1020, &kAll<68>, &kAll<102>, &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1021, &kAll<6>,  &kAll<120>, &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(9)),
+    Control(1022, &kAll<68>, &kAll<118>, &kAll<104>, &kAll<13>,  &kAll<0x508100C4>, kEdit,     kNoCaption),
+    Control(1023, &kAll<6>,  &kAll<136>, &kAll<140>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(0)),
+    Control(1024, &kAll<6>,  &kAll<170>, &kAll<200>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(1)),
+};
+
+// Template 2, Proxy page. The proxy group (1025-1030) and the broker group (1031-1034)
+// share their places; the route list reuses id 1002.
+constexpr ControlDesc kProxy[] = {
+    Control(1002, &kAll<6>,  &kAll<4>,   &kAll<165>, &kAll<47>,  &kAll<0x50010443>, kComboBox, kNoCaption),
+    Control(1025, &kAll<6>,  &kAll<25>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(2)),
+    Control(1026, &kAll<68>, &kAll<23>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1027, &kAll<6>,  &kAll<41>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(3)),
+    Control(1028, &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(1029, &kAll<6>,  &kAll<57>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(4)),
+    Control(1030, &kAll<68>, &kAll<55>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1031, &kAll<6>,  &kAll<25>,  &kAll<65>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(7)),
+    Control(1032, &kAll<68>, &kAll<23>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1033, &kAll<6>,  &kAll<41>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(8)),
+    Control(1034, &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(1035, &kAll<6>,  &kAll<57>,  &kAll<165>, &kAll<26>,  &kAll<0x50012403>, kButton,   LocalTexts(6)),
+};
+
+// Template 3, Options page.
+constexpr ControlDesc kOptions[] = {
+    Control(1036, &kAll<9>,  &kAll<6>,   &kAll<25>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(25)),
+    Control(1037, &kAll<35>, &kAll<6>,   &kAll<32>,  &kAll<32>,  &kAll<0x50000003>, kStatic,   kNoCaption),
+    Control(1038, &kAll<74>, &kAll<6>,   &kAll<16>,  &kAll<16>,  &kAll<0x50000003>, kStatic,   kNoCaption),
+    Control(1039, &kAll<9>,  &kAll<38>,  &kAll<70>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   kNoCaption),
+    Control(1040, &kAll<82>, &kAll<36>,  &kBrowseWidth, &kAll<14>, &kAll<0x50010000>, kButton, LocalTexts(22)),
+    Control(1041, &kAll<9>,  &kAll<52>,  &kAll<165>, &kAll<120>, &kAll<0x50900311>, kListBox,  kNoCaption),
+    Control(1042, &kAll<9>,  &kAll<180>, &kAll<125>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(10)),
+};
+
+// Template 4, Connection Details.
+constexpr ControlDesc kConnectionDetails[] = {
+    Control(1043, &kAll<16>, &kAll<9>,   &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(43)),
+    Control(1044, &kAll<95>, &kAll<7>,   &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1045, &kAll<15>, &kAll<33>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(44)),
+    Control(1046, &kAll<95>, &kAll<31>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1047, &kAll<15>, &kAll<58>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(45)),
+    Control(1048, &kAll<95>, &kAll<56>,  &kAll<150>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(1049, &kAll<17>, &kAll<82>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(46)),
+    Control(1050, &kAll<95>, &kAll<81>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(1051, &kAll<17>, &kAll<112>, &kAll<88>,  &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(47)),
+};
+
+// Null-terminated pointer lists in table order.
+template <const auto& Controls, std::size_t... I>
+constexpr const ControlDesc* const kControlListOf[] = {&Controls[I]..., nullptr};
+
+template <const auto& Controls>
+constexpr auto ControlList() {
+    return []<std::size_t... I>(std::index_sequence<I...>) {
+        return kControlListOf<Controls, I...>;
+    }(std::make_index_sequence<std::size(Controls)>{});
+}
+
+constexpr std::uint32_t kPageStyle = 0x80C80040;     // WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_SETFONT
+constexpr std::uint32_t kDetailsStyle = 0x40C00048;  // WS_CHILD | WS_CAPTION | DS_SETFONT | DS_FIXEDSYS
+constexpr std::uint32_t kControlParent = 0x10000;    // WS_EX_CONTROLPARENT
+constexpr const char16_t* kShellDialogFace = u"MS Shell Dlg";
+
+constexpr DialogDesc kConnectionPage{1, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<176>,
+                                     &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+                                     8, kShellDialogFace, ControlList<kConnection>()};
+constexpr DialogDesc kProxyPage{2, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
+                                &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+                                8, kShellDialogFace, ControlList<kProxy>()};
+constexpr DialogDesc kOptionsPage{3, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
+                                  &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+                                  8, kShellDialogFace, ControlList<kOptions>()};
+constexpr DialogDesc kConnectionDetailsDialog{4, &kAll<0>, &kAll<0>, &kAll<320>, &kAll<140>,
+                                              &kAll<kDetailsStyle>, &kAll<kControlParent>, nullptr,
+                                              LocalTexts(41), 8, kShellDialogFace,
+                                              ControlList<kConnectionDetails>()};
+
+}  // namespace
+
+const DialogDesc* const g_dialogDescs[kDialogCount] = {
+    &kConnectionPage, &kProxyPage, &kOptionsPage, &kConnectionDetailsDialog};
+
+const DialogDesc* FindDialogDesc(int index) noexcept {
+    if (index < 1 || index > kDialogCount) return nullptr;
+    return g_dialogDescs[index - 1];
+}

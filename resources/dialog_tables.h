@@ -1,0 +1,50 @@
+// The four dialogs the DLL builds at run time, as tables: one description per dialog and
+// one per control, with numbers that may differ by language. Portable data.
+#pragma once
+
+#include <cstdint>
+
+// One node of a per-language list of numbers. Language 1 doubles as the default.
+struct LocalValue {
+    std::int32_t value;
+    std::uint32_t language;
+    const LocalValue* next;
+};
+
+// The value for the language: the first node of that language, else the last node of
+// language 1, else 0.
+std::int32_t ResolveLocalValue(const LocalValue* list, int languageIndex) noexcept;
+
+struct ControlDesc {
+    std::int32_t id;
+    const LocalValue* x;
+    const LocalValue* y;
+    const LocalValue* cx;
+    const LocalValue* cy;
+    const LocalValue* style;
+    const LocalValue* exStyle;
+    const char16_t* className;      // null: no class text
+    const char16_t* const* texts;   // caption per language (a string table row), or null
+};
+
+struct DialogDesc {
+    std::int32_t id;  // template index
+    const LocalValue* x;
+    const LocalValue* y;
+    const LocalValue* cx;
+    const LocalValue* cy;
+    const LocalValue* style;
+    const LocalValue* exStyle;
+    const char16_t* className;
+    const char16_t* const* texts;  // title per language, or null
+    std::uint32_t pointSize;
+    const char16_t* faceName;  // non-null: the template carries a font
+    const ControlDesc* const* controls;  // null-terminated, in tab order
+};
+
+// Template indices 1 Connection page, 2 Proxy page, 3 Options page, 4 Connection Details.
+constexpr int kDialogCount = 4;
+extern const DialogDesc* const g_dialogDescs[kDialogCount];
+
+// The description of a template index, or null outside 1 to 4.
+const DialogDesc* FindDialogDesc(int index) noexcept;
