@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <shlobj.h>
+
 #include <vector>
 
 #include "shellext/server_registration_steps.h"
@@ -270,4 +272,81 @@ TEST(ServerRegistration, DeleteKeyTreeRemovesEveryLevel) {
 TEST(ServerRegistration, DeleteKeyTreeOfAnAbsentKeyAnswersTheRegistryCode) {
     PrivateKey root("tree-absent");
     EXPECT_EQ(DeleteKeyTree(root.get(), "absent"), ERROR_FILE_NOT_FOUND);
+}
+
+namespace {
+
+// A window that listens for the shell's association-change notification.
+class AssociationChangeListener {
+public:
+    static constexpr UINT kMessage = WM_APP + 17;
+    AssociationChangeListener() {
+        WNDCLASSA windowClass = {};
+        windowClass.lpfnWndProc = Procedure;
+        windowClass.hInstance = GetModuleHandleA(nullptr);
+        windowClass.lpszClassName = "VqcAssociationChangeListener";
+        RegisterClassA(&windowClass);
+        heard_ = false;
+        window_ = CreateWindowExA(0, windowClass.lpszClassName, "listener", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                  nullptr, nullptr);
+        SHChangeNotifyEntry entry = {nullptr, TRUE};
+        registration_ = SHChangeNotifyRegister(window_, SHCNRF_ShellLevel | SHCNRF_InterruptLevel,
+                                               SHCNE_ASSOCCHANGED, kMessage, 1, &entry);
+    }
+    ~AssociationChangeListener() {
+        if (registration_) SHChangeNotifyDeregister(registration_);
+        if (window_) DestroyWindow(window_);
+    }
+    bool Ready() const { return window_ && registration_; }
+    // Pumps messages for a while; true when the notification arrived (sent or posted).
+    bool Heard() {
+        for (int i = 0; i < 50 && !heard_; ++i) {
+            MSG message;
+            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+            if (!heard_) MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        }
+        const bool result = heard_;
+        heard_ = false;
+        return result;
+    }
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == kMessage && (static_cast<LONG>(lParam) & SHCNE_ASSOCCHANGED)) heard_ = true;
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    static inline bool heard_ = false;
+
+    HWND window_ = nullptr;
+    ULONG registration_ = 0;
+};
+
+}  // namespace
+
+TEST(ServerRegistration, RegistrationAndRemovalTellTheShellAssociationsChanged) {
+    PrivateClassesRoot root("notify");
+    {
+        AssociationChangeListener listener;
+        ASSERT_TRUE(listener.Ready());
+        EXPECT_FALSE(listener.Heard());
+        RegistrationLog log;
+        ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
+        EXPECT_TRUE(listener.Heard());
+    }
+    {
+        AssociationChangeListener listener;
+        ASSERT_TRUE(listener.Ready());
+        ASSERT_EQ(UnregisterServer(TheModule()), S_OK);
+        EXPECT_TRUE(listener.Heard());
+    }
+}
+
+TEST(ServerRegistration, FailedRegistrationDoesNotTellTheShell) {
+    PrivateClassesRoot root("notify-failed");
+    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    AssociationChangeListener listener;
+    ASSERT_TRUE(listener.Ready());
+    RegistrationLog log;
+    ASSERT_EQ(RegisterServerEntries(log, TheModule().instance), static_cast<HRESULT>(0x800703FD));
+    EXPECT_FALSE(listener.Heard());
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "common/com_ptr.h"
@@ -329,4 +330,67 @@ TEST(VQCPropIcon, OneImageGivesTheLargeIconAndLeavesTheSmallOneUnwritten) {
     UniqueIcon largeOwner(large);
     EXPECT_EQ(IconSize(large).cx, 32);
     EXPECT_EQ(small, reinterpret_cast<HICON>(0xdeadbeef));
+}
+
+TEST(VQCPropIcon, SmallIconAloneIsHandedOverWithSFalse) {
+    // The first image is damaged, so only the second (small) one becomes an icon.
+    std::vector<std::uint8_t> icons = MakeIconFile({32, 16});
+    const std::size_t firstImage = 6 + 2 * 16;
+    std::fill(icons.begin() + firstImage, icons.begin() + firstImage + 40, std::uint8_t{0});  // no header
+    TempFolder folder("small-only");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, "-h server -I " + HexText(icons));
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    ASSERT_FALSE(prop->FileRecord()->icon);
+    ASSERT_TRUE(prop->FileRecord()->smallIcon);
+
+    HICON large = reinterpret_cast<HICON>(0xdeadbeef);
+    HICON small = nullptr;
+    EXPECT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_FALSE);
+    UniqueIcon smallOwner(small);
+    EXPECT_EQ(large, reinterpret_cast<HICON>(0xdeadbeef));
+    ASSERT_NE(small, nullptr);
+    EXPECT_NE(small, prop->FileRecord()->smallIcon.get());
+    EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
+    // Without the large icon the location is the module's own.
+    char location[MAX_PATH + 1] = "";
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    EXPECT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)
+                  ->GetIconLocation(0, location, sizeof(location), &index, &flags),
+              S_OK);
+    EXPECT_EQ(flags, 2u);
+}
+
+TEST(VQCPropInitialize, HoldsOneReferenceOnTheDataObjectAndSwapsItForANewOne) {
+    ComApartment apartment;
+    TempFolder folder("init-swap");
+    WriteFileBytes(folder.File("a.vqc"), "-h a");
+    WriteFileBytes(folder.File("b.vqc"), "-h b");
+    ComPtr<IDataObject> first = ShellSelection({folder.File("a.vqc")});
+    ComPtr<IDataObject> second = ShellSelection({folder.File("b.vqc")});
+    ASSERT_TRUE(first);
+    ASSERT_TRUE(second);
+    auto references = [](IUnknown* object) {
+        object->AddRef();
+        return object->Release();
+    };
+    const ULONG firstAlone = references(first.Get());
+    const ULONG secondAlone = references(second.Get());
+    ComPtr<IUnknown> object = NewObject();
+    ComPtr<IShellExtInit> init = As<IShellExtInit>(object, IID_IShellExtInit);
+    ASSERT_EQ(init->Initialize(nullptr, first.Get(), nullptr), S_OK);
+    EXPECT_EQ(references(first.Get()), firstAlone + 1);
+    ASSERT_EQ(init->Initialize(nullptr, first.Get(), nullptr), S_OK);  // the same one again: no second reference
+    EXPECT_EQ(references(first.Get()), firstAlone + 1);
+    ASSERT_EQ(init->Initialize(nullptr, second.Get(), nullptr), S_OK);
+    EXPECT_EQ(references(first.Get()), firstAlone);
+    EXPECT_EQ(references(second.Get()), secondAlone + 1);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_EQ(prop->FileName().substr(prop->FileName().size() - 5), "b.vqc");
+    object.Reset();
+    init.Reset();
+    EXPECT_EQ(references(second.Get()), secondAlone);
 }
