@@ -5,6 +5,7 @@ two images, 16x16 and 32x32, 8 bits per pixel with a 256-entry palette.
 
 Usage: make_icon.py OUTPUT.ico
 """
+import math
 import struct
 import sys
 
@@ -21,39 +22,49 @@ PALETTE = {
 }
 
 
+def nearest(value):
+    """Rounds halves up."""
+    return math.floor(value + 0.5)
+
+
 def draw(size):
-    """Returns size rows of size palette indices, top row first."""
+    """Returns size rows of size palette indices, top row first. Shapes are laid out on a
+    32-unit grid and scaled; their outlines stay one pixel wide at both sizes."""
     s = size / 32.0
     px = [[TRANSPARENT] * size for _ in range(size)]
 
-    def fill(x0, y0, x1, y1, colour):
-        for y in range(int(y0 * s), max(int(y0 * s) + 1, int(y1 * s))):
-            for x in range(int(x0 * s), max(int(x0 * s) + 1, int(x1 * s))):
-                if 0 <= x < size and 0 <= y < size:
-                    px[y][x] = colour
+    def box(x0, y0, x1, y1, edge, inside):
+        left, top = nearest(x0 * s), nearest(y0 * s)
+        right, bottom = nearest(x1 * s) - 1, nearest(y1 * s) - 1
+        for y in range(top, bottom + 1):
+            for x in range(left, right + 1):
+                border = x in (left, right) or y in (top, bottom)
+                px[y][x] = edge if border else inside
+        return left, top, right, bottom
 
-    # The sheet, with its top-right corner folded over.
-    fill(5, 1, 27, 31, OUTLINE)
-    fill(6, 2, 26, 30, PAPER)
-    # The fold: above the diagonal the corner is cut away, below it the flap shows.
-    for y in range(size):
-        for x in range(size):
-            u, v = x / s, y / s  # position in 32-unit coordinates
-            if u >= 19 and v < 9 and u < 27 and v >= 1:
-                d = (u - 19) - (v - 1)
-                if d > 1:
-                    px[y][x] = TRANSPARENT
-                elif d > 0 or u < 20 or v >= 8:
-                    px[y][x] = OUTLINE
-                else:
-                    px[y][x] = FOLD
-    # The terminal screen with its prompt.
-    fill(8, 12, 24, 26, FRAME)
-    fill(9, 13, 23, 25, SCREEN)
-    fill(10, 15, 12, 17, PROMPT)
-    fill(12, 17, 14, 19, PROMPT)
-    fill(10, 19, 12, 21, PROMPT)
-    fill(15, 21, 20, 23, PROMPT)
+    # The sheet, its top-right corner folded over: above the diagonal it is cut away.
+    left, top, right, bottom = box(5, 1, 27, 31, OUTLINE, PAPER)
+    fold = nearest(7 * s)
+    for y in range(top, top + fold + 1):
+        for x in range(right - fold, right + 1):
+            dx, dy = x - (right - fold), y - top
+            if dx > dy:
+                px[y][x] = TRANSPARENT
+            elif dx == dy or x == right - fold or y == top + fold:
+                px[y][x] = OUTLINE
+            else:
+                px[y][x] = FOLD
+
+    # The terminal screen with its prompt "> _".
+    sl, st, sr, sb = box(8, 12, 24, 26, FRAME, SCREEN)
+    unit = max(1, nearest(2 * s))
+    for cx, cy in ((0, 0), (1, 1), (0, 2)):
+        for y in range(unit):
+            for x in range(unit):
+                px[st + 2 + cy * unit + y][sl + 2 + cx * unit + x] = PROMPT
+    for x in range(sl + 2 + 3 * unit, min(sr - 1, sl + 2 + 6 * unit)):
+        for y in range(unit):
+            px[st + 2 + 3 * unit + y][x] = PROMPT
     return px
 
 
