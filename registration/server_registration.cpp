@@ -23,9 +23,9 @@ bool GetModulePaths(HMODULE module, std::string& path, std::string& fileName) {
     return true;
 }
 
-// Creates the rows' keys in order and writes their values. A key that cannot be created
-// ends the walk (logged with the thread's last-error value); a value only gets logged.
-LONG WriteRows(HKEY root, const std::vector<RegistryRow>& rows, RegistrationLog& log) {
+}  // namespace
+
+LONG WriteRegistryRows(HKEY root, const std::vector<RegistryRow>& rows, RegistrationLog& log) {
     std::map<int, UniqueRegKey> keys;
     auto keyOfRow = [&](int number) { return number == 0 ? root : keys[number].get(); };
     for (const RegistryRow& row : rows) {
@@ -53,6 +53,8 @@ LONG WriteRows(HKEY root, const std::vector<RegistryRow>& rows, RegistrationLog&
     return ERROR_SUCCESS;
 }
 
+namespace {
+
 void NotifyShellOfAssociationChange() { SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr); }
 
 using RegDeleteKeyExAFunction = LONG(WINAPI*)(HKEY, LPCSTR, REGSAM, DWORD);
@@ -70,11 +72,11 @@ RegDeleteKeyExAFunction FindRegDeleteKeyExA() {
 }  // namespace
 
 LONG RegisterAppIdEntries(HKEY root, const char* moduleFileName, RegistrationLog& log) {
-    return WriteRows(root, AppIdRows(moduleFileName), log);
+    return WriteRegistryRows(root, AppIdRows(moduleFileName), log);
 }
 
 LONG RegisterClassEntries(HKEY root, const char* modulePath, RegistrationLog& log) {
-    return WriteRows(root, ClassRows(modulePath), log);
+    return WriteRegistryRows(root, ClassRows(modulePath), log);
 }
 
 HRESULT RegisterServerEntries(RegistrationLog& log, HMODULE module) {

@@ -350,3 +350,40 @@ TEST(ServerRegistration, FailedRegistrationDoesNotTellTheShell) {
     ASSERT_EQ(RegisterServerEntries(log, TheModule().instance), static_cast<HRESULT>(0x800703FD));
     EXPECT_FALSE(listener.Heard());
 }
+
+TEST(ServerRegistration, FailedValueIsLoggedAndTheWalkGoesOn) {
+    PrivateKey root("value-walk");
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, root.path().c_str(), 0, KEY_READ, &opened), ERROR_SUCCESS);
+    UniqueRegKey readOnly(opened);
+    TempFolder folder("value-walk");
+    ScopedEnvironment variable(kVariable, folder.File("registration.log").c_str());
+    RegistrationLog log;
+    log.SetFileName();
+    // Row 1 writes the default value of the read-only key itself, which the registry
+    // refuses; row 2 creates a key of its own below it and writes there.
+    const std::vector<RegistryRow> rows = {
+        {1, 0, false, "", true, nullptr, "refused"},
+        {2, 0, true, "Below", true, "Name", "kept"},
+    };
+    EXPECT_EQ(WriteRegistryRows(readOnly.get(), rows, log), ERROR_SUCCESS);
+    EXPECT_EQ(ReadValue(root.get(), "Below", "Name").Text(), "kept");
+    ASSERT_EQ(log.Messages().size(), 1u);
+    const StoredValue missing = ReadValue(root.get(), "", nullptr);
+    EXPECT_NE(missing.result, ERROR_SUCCESS);
+    EXPECT_EQ(log.Messages()[0], "Failed to set registry value " + NativeKeyName(root.get()) +
+                                     "\\(Default) to \"refused\" Error 5 " + SystemErrorText(5));
+}
+
+TEST(ServerRegistration, DisabledLogRecordsNoValueFailure) {
+    PrivateKey root("value-walk-quiet");
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, root.path().c_str(), 0, KEY_READ, &opened), ERROR_SUCCESS);
+    UniqueRegKey readOnly(opened);
+    SetEnvironmentVariableA(kVariable, nullptr);
+    RegistrationLog log;
+    log.SetFileName();
+    const std::vector<RegistryRow> rows = {{1, 0, false, "", true, nullptr, "refused"}};
+    EXPECT_EQ(WriteRegistryRows(readOnly.get(), rows, log), ERROR_SUCCESS);
+    EXPECT_TRUE(log.Messages().empty());
+}

@@ -168,3 +168,78 @@ TEST(ClassFactory, UnknownInterfaceCreatesNothingAndLeavesNoLock) {
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(TheModule().GetLockCount(), 1);
 }
+
+namespace {
+
+HRESULT FactoryCreationFails(REFIID, void** object) {
+    *object = nullptr;
+    return E_OUTOFMEMORY;
+}
+
+HRESULT FactoryCreationSucceedsWithoutAFactory(REFIID, void** object) {
+    *object = nullptr;
+    return S_OK;
+}
+
+// A factory whose QueryInterface claims success but hands out nothing.
+class EmptyHandedFactory : public IUnknown {
+public:
+    STDMETHODIMP QueryInterface(REFIID, void** object) override {
+        *object = nullptr;
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++count; }
+    STDMETHODIMP_(ULONG) Release() override { return --count; }
+    ULONG count = 0;
+};
+EmptyHandedFactory g_emptyHanded;
+
+HRESULT CreateEmptyHandedFactory(REFIID, void** object) {
+    g_emptyHanded.AddRef();
+    *object = &g_emptyHanded;
+    return S_OK;
+}
+
+}  // namespace
+
+TEST(Module, FailedFactoryCreationAnswersItsCode) {
+    VqcPropModule module;
+    module.ObjectMapBegin()->createFactory = FactoryCreationFails;
+    void* object = reinterpret_cast<void*>(0xdeadbeef);
+    EXPECT_EQ(module.GetClassObject(CLSID_VQCProp, IID_IClassFactory, &object), E_OUTOFMEMORY);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(module.ObjectMapBegin()->cachedFactory, nullptr);
+}
+
+TEST(Module, FactoryCreationWithoutAFactoryButSuccessIsClassNotAvailable) {
+    VqcPropModule module;
+    module.ObjectMapBegin()->createFactory = FactoryCreationSucceedsWithoutAFactory;
+    void* object = reinterpret_cast<void*>(0xdeadbeef);
+    EXPECT_EQ(module.GetClassObject(CLSID_VQCProp, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(object, nullptr);
+}
+
+TEST(Module, SuccessWithoutAnInterfaceIsClassNotAvailable) {
+    {
+        VqcPropModule module;
+        module.ObjectMapBegin()->createFactory = CreateEmptyHandedFactory;
+        void* object = reinterpret_cast<void*>(0xdeadbeef);
+        EXPECT_EQ(module.GetClassObject(CLSID_VQCProp, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
+        EXPECT_EQ(object, nullptr);
+        EXPECT_EQ(g_emptyHanded.count, 1u);  // the map's reference
+    }
+    EXPECT_EQ(g_emptyHanded.count, 0u);  // released when the module goes
+}
+
+TEST(Module, EntriesWithoutAFactoryCreatorAreSkipped) {
+    VqcPropModule module;
+    module.ObjectMapBegin()->createFactory = nullptr;
+    void* object = reinterpret_cast<void*>(0xdeadbeef);
+    EXPECT_EQ(module.GetClassObject(CLSID_VQCProp, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(object, nullptr);
+}
+
+TEST(Module, ClassLoopsSucceedWithTheEmptyScriptAndNoCategories) {
+    EXPECT_EQ(TheModule().RegisterClassObjects(), S_OK);
+    EXPECT_EQ(TheModule().UnregisterClassObjects(), S_OK);
+}
