@@ -74,3 +74,32 @@ private:
     HWND window_;
     HDC dc_;
 };
+
+// Memory from GlobalAlloc and friends (a drop list of CF_HDROP, for example).
+namespace handle_traits {
+struct GlobalMemory {
+    using Handle = HGLOBAL;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { GlobalFree(h); }
+};
+}  // namespace handle_traits
+using UniqueGlobalMemory = UniqueHandle<handle_traits::GlobalMemory>;
+
+// A critical section that may fail to initialise; usable only when Initialized().
+class OwnedCriticalSection {
+public:
+    using Initializer = BOOL(WINAPI*)(LPCRITICAL_SECTION, DWORD, DWORD);
+    explicit OwnedCriticalSection(Initializer initialize) noexcept
+        : initialized_(initialize(&section_, 0, 0) != FALSE) {}
+    ~OwnedCriticalSection() { if (initialized_) DeleteCriticalSection(&section_); }
+    OwnedCriticalSection(const OwnedCriticalSection&) = delete;
+    OwnedCriticalSection& operator=(const OwnedCriticalSection&) = delete;
+    bool Initialized() const noexcept { return initialized_; }
+    void Enter() noexcept { EnterCriticalSection(&section_); }
+    void Leave() noexcept { LeaveCriticalSection(&section_); }
+
+private:
+    CRITICAL_SECTION section_{};
+    bool initialized_;
+};

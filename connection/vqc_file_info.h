@@ -11,6 +11,8 @@
 #include "common/win_handles.h"
 #include "connection/connection_settings.h"
 
+struct IconInstruction;
+
 class VQCFileInfo : public IUnknown, public ConnectionSettings {
 public:
     explicit VQCFileInfo(const char* path);
@@ -36,6 +38,9 @@ public:
 
     // Replaces both icons, destroying the ones held.
     void SetIcons(HICON large, HICON small) noexcept;
+
+    // Carries out the reader's last -I or -i on the two icons.
+    void ApplyIconInstruction(const IconInstruction& instruction);
 
     ULONG refCount = 0;
     UniqueIcon icon;       // the file's own icon at its natural size (-I)

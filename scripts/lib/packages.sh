@@ -1,6 +1,6 @@
 # Debian packages the build and the tests need; installs only what is missing.
 VQC_PACKAGES=(
-  cmake ninja-build make
+  cmake ninja-build make python3
   g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64
   clang libclang-rt-14-dev
   googletest

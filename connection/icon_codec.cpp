@@ -1,0 +1,128 @@
+#include "connection/icon_codec.h"
+
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+#include "common/win_handles.h"
+#include "connection/icon_stream.h"
+
+namespace {
+
+constexpr DWORD kIconResourceVersion = 0x00030000;
+
+// BITMAPINFOHEADER followed by room for the largest colour table.
+struct BitmapInfoWithColours {
+    BITMAPINFOHEADER header;
+    RGBQUAD colours[256];
+};
+
+// The image of one icon: its colour bitmap at its own depth, and its 1-bit mask.
+std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
+    ICONINFO info{};
+    if (!icon || !GetIconInfo(icon, &info)) return std::nullopt;
+    const UniqueGdiObject colour(info.hbmColor);
+    const UniqueGdiObject mask(info.hbmMask);
+    if (!colour || !mask) return std::nullopt;  // monochrome icons carry no colour bitmap
+
+    BitmapInfoWithColours query{};
+    query.header.biSize = sizeof(BITMAPINFOHEADER);
+    query.header.biBitCount = 0;  // asks only for the format
+    if (!GetDIBits(dc, static_cast<HBITMAP>(colour.get()), 0, 0, nullptr,
+                   reinterpret_cast<BITMAPINFO*>(&query), DIB_RGB_COLORS))
+        return std::nullopt;
+
+    IconImageFormat format;
+    format.width = query.header.biWidth;
+    format.height = query.header.biHeight < 0 ? -query.header.biHeight : query.header.biHeight;
+    format.planes = 1;
+    format.bitsPerPixel = query.header.biBitCount;
+    if (format.width <= 0 || format.height <= 0 || format.bitsPerPixel == 0) return std::nullopt;
+    const std::uint32_t rows = static_cast<std::uint32_t>(format.height);
+
+    // Colour bits at the bitmap's own depth, bottom-up, with its colour table.
+    BitmapInfoWithColours colourInfo{};
+    colourInfo.header = query.header;
+    colourInfo.header.biHeight = format.height;
+    colourInfo.header.biPlanes = 1;
+    colourInfo.header.biCompression = BI_RGB;
+    colourInfo.header.biSizeImage = 0;
+    colourInfo.header.biClrUsed = 0;
+    colourInfo.header.biClrImportant = 0;
+    std::vector<std::uint8_t> xorBits(std::size_t{rows} * XorRowBytes(format));
+    if (GetDIBits(dc, static_cast<HBITMAP>(colour.get()), 0, rows, xorBits.data(),
+                  reinterpret_cast<BITMAPINFO*>(&colourInfo), DIB_RGB_COLORS) != static_cast<int>(rows))
+        return std::nullopt;
+    const std::uint32_t colours = ColourTableEntries(format.bitsPerPixel);
+    std::vector<std::uint8_t> colourTable(4 * std::size_t{colours});
+    if (colours) std::memcpy(colourTable.data(), colourInfo.colours, colourTable.size());
+
+    // The mask read as 1 bit per pixel at the colour bitmap's size.
+    BitmapInfoWithColours maskInfo{};
+    maskInfo.header.biSize = sizeof(BITMAPINFOHEADER);
+    maskInfo.header.biWidth = format.width;
+    maskInfo.header.biHeight = format.height;
+    maskInfo.header.biPlanes = 1;
+    maskInfo.header.biBitCount = 1;
+    maskInfo.header.biCompression = BI_RGB;
+    std::vector<std::uint8_t> andBits(std::size_t{rows} * AndRowBytes(format));
+    if (GetDIBits(dc, static_cast<HBITMAP>(mask.get()), 0, rows, andBits.data(),
+                  reinterpret_cast<BITMAPINFO*>(&maskInfo), DIB_RGB_COLORS) != static_cast<int>(rows))
+        return std::nullopt;
+
+    try {
+        return IconImage::Make(format, colourTable, xorBits, andBits);
+    } catch (const std::invalid_argument&) {
+        return std::nullopt;
+    }
+}
+
+class IconMaker : public IconImageSink {
+public:
+    IconMaker(HICON* iconOut, HICON* smallIconOut) : iconOut_(iconOut), smallIconOut_(smallIconOut) {}
+
+    void TakeImage(std::uint32_t index, const std::uint8_t* bytes, std::uint32_t size) override {
+        // Too short to hold even a bitmap header: nothing to make an icon of.
+        if (size < kBitmapInfoHeaderBytes) return;
+        PBYTE data = const_cast<PBYTE>(bytes);
+        if (index == 0 && iconOut_) {
+            *iconOut_ = CreateIconFromResourceEx(data, size, TRUE, kIconResourceVersion, 0, 0, 0);
+        } else if (index == 1 && smallIconOut_) {
+            *smallIconOut_ = CreateIconFromResourceEx(data, size, TRUE, kIconResourceVersion,
+                                                      GetSystemMetrics(SM_CXSMICON),
+                                                      GetSystemMetrics(SM_CYSMICON), 0);
+        }
+    }
+
+private:
+    HICON* iconOut_;
+    HICON* smallIconOut_;
+};
+
+}  // namespace
+
+std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon) {
+    if (!icon) return 0;
+    std::vector<IconImage> images;
+    {
+        const WindowDC desktop(GetDesktopWindow());
+        if (!desktop.get()) return 0;
+        for (HICON handle : {icon, smallIcon}) {
+            if (!handle) continue;
+            std::optional<IconImage> image = ReadIconImage(desktop.get(), handle);
+            if (!image) return 0;
+            images.push_back(std::move(*image));
+        }
+    }
+    const std::vector<std::uint8_t> stream = BuildIconStream(images.data(), images.size());
+    if (out && *out) *out = WriteHexText(*out, stream.data(), stream.size());
+    return HexTextLength(stream.size()) + 1;
+}
+
+std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut) {
+    if (iconOut) *iconOut = nullptr;
+    if (smallIconOut) *smallIconOut = nullptr;
+    IconMaker maker(iconOut, smallIconOut);
+    return ParseIconStream(text ? std::string_view(text) : std::string_view(), maker);
+}

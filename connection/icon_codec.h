@@ -1,0 +1,18 @@
+// The icon pair of a connection file to and from the hex text that travels as the
+// argument of -I: icon handles <-> DIB bytes here, the stream and the text in icon_stream.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+// With out null only measures; otherwise writes the text at *out (no terminator) and
+// advances *out past it. Returns the number of characters, line breaks included, plus
+// one. icon must be set; smallIcon may be null and then gives a one-image stream. Returns
+// 0 (nothing written) when icon is null or its bitmaps cannot be read.
+std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon);
+
+// Sets both outputs to null, then makes image 0 into *iconOut at its own size and image 1
+// into *smallIconOut at the system small-icon size. text may be null (no icons). The
+// result is ParseIconStream's: 0 for a refused header, else 1 (see icon_stream.h).
+std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut);

@@ -1,0 +1,50 @@
+// VQCFileInfo::Read: maps the connection file, splits its text into arguments and lays
+// the options over the record's fields; the embedded icon is decoded last.
+#include <string>
+
+#include "common/hresult_error.h"
+#include "connection/argument_vector.h"
+#include "connection/icon_codec.h"
+#include "connection/mapped_file.h"
+#include "connection/option_walk.h"
+#include "connection/vqc_file_info.h"
+
+namespace {
+
+constexpr std::uint32_t kLargestReadableFile = 0x7FFFFFFF;
+
+}  // namespace
+
+void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
+    if (instruction.kind == IconInstruction::Kind::None) return;
+    SetIcons(nullptr, nullptr);
+    if (instruction.kind == IconInstruction::Kind::Decode) {
+        HICON large = nullptr;
+        HICON small = nullptr;
+        DecodeIcons(instruction.text, &large, &small);
+        SetIcons(large, small);
+    }
+}
+
+std::int32_t VQCFileInfo::Read(const char* path) {
+    std::string text;
+    {
+        MappedFile file;
+        const bool opened = file.Open(path, MapAccess::ReadOnly);
+        if (file.size() == 0) {
+            lastError = opened ? GetLastError() : file.error();
+            return 1;
+        }
+        if (!file.view() || file.size() > kLargestReadableFile) throw HResultError(kResultInvalidArg);
+        text.assign(static_cast<const char*>(file.view()), file.size());
+    }  // unmapped and closed here, before the parsing
+
+    int argc = 0;
+    char** argv = nullptr;
+    BuildArgumentVector(text.c_str(), &argc, &argv, true, nullptr, nullptr, nullptr);
+    const UniqueLocalMemory vector(argv);  // the -I text points into it until decoded
+
+    const IconInstruction icons = LayOptions(argv, argv ? argc : 0, *this);
+    ApplyIconInstruction(icons);
+    return 0;
+}

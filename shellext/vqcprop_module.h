@@ -1,0 +1,71 @@
+// VqcPropModule: the DLL's module object. It owns the lock count that decides when the
+// shell may unload the DLL, the one-entry object map with its cached class factory, and
+// the per-class registration loops that run after the server's own registry entries.
+#pragma once
+
+#include <windows.h>
+#include <unknwn.h>
+
+#include "common/win_handles.h"
+
+// One row of the object map: how the class is found, created and registered.
+struct ObjectMapEntry {
+    const CLSID* classId;
+    HRESULT (*updateRegistry)(BOOL doRegister);  // the class's registry script (none: S_OK)
+    HRESULT (*createFactory)(REFIID iid, void** object);
+    HRESULT (*createInstance)(IUnknown* outer, REFIID iid, void** object);
+    void* cachedFactory;                          // IUnknown*, stored EncodePointer'd
+    const char* description;                      // none
+    const void* categoryMap;                      // none
+    void (*objectMain)(bool starting);
+};
+
+class VqcPropModule {
+public:
+    // Start-up. A critical section that cannot be initialised does not stop loading; it
+    // leaves the module "not initialised", and every class request then answers
+    // E_UNEXPECTED. The initializer is a parameter so that this path can be exercised.
+    explicit VqcPropModule(OwnedCriticalSection::Initializer initialize = InitializeCriticalSectionEx);
+    virtual ~VqcPropModule();
+    VqcPropModule(const VqcPropModule&) = delete;
+    VqcPropModule& operator=(const VqcPropModule&) = delete;
+
+    virtual LONG Lock() noexcept;
+    virtual LONG Unlock() noexcept;
+    virtual LONG GetLockCount() const noexcept;
+
+    // DllCanUnloadNow and DllGetClassObject.
+    HRESULT CanUnloadNow() const noexcept;
+    HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) noexcept;
+
+    // The per-class loops of registration: registry script, then category map (none);
+    // removal runs them the other way round. Both stop at the first failure.
+    HRESULT RegisterClassObjects() noexcept;
+    HRESULT UnregisterClassObjects() noexcept;
+
+    bool InitializationFailed() const noexcept { return initializationFailed_; }
+    ObjectMapEntry* ObjectMapBegin() noexcept { return objectMap_; }
+    ObjectMapEntry* ObjectMapEnd() noexcept { return objectMap_ + 1; }
+
+    // The DLL's own instance: resources, and every GetModuleFileNameA of the program.
+    HINSTANCE instance;
+    GUID libraryId;
+
+private:
+    void ReleaseCachedFactories() noexcept;
+
+    bool initializationFailed_ = false;
+    OwnedCriticalSection resourceSection_;
+    OwnedCriticalSection factorySection_;  // serialises creation of cached factories
+    bool comModuleInitialized_;
+    OwnedCriticalSection moduleSection_;
+    volatile LONG lockCount_ = 0;
+    ObjectMapEntry objectMap_[1];
+};
+
+// The module of the DLL (or of the test program that links the server's code).
+VqcPropModule& TheModule() noexcept;
+
+class RegistrationLog;
+// The registration log of the process; written out when the DLL unloads.
+RegistrationLog& TheRegistrationLog() noexcept;

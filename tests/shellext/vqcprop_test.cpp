@@ -1,0 +1,396 @@
+// VQCProp, linked into this program: its interface map, the methods it does not
+// implement, the selection it accepts, and the icon handler's answers.
+#include "shellext/vqcprop.h"
+
+#include <gtest/gtest.h>
+#include <shlobj.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "common/com_ptr.h"
+#include "shellext/vqcprop_ids.h"
+#include "shellext/vqcprop_module.h"
+#include "tests/shellext/shellext_test_support.h"
+
+using namespace test_support;
+
+namespace {
+
+class ComApartment {
+public:
+    ComApartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+    ~ComApartment() { CoUninitialize(); }
+};
+
+ComPtr<IUnknown> NewObject() {
+    ComPtr<IUnknown> object;
+    EXPECT_EQ(VQCProp::CreateInstance(nullptr, IID_IUnknown, object.PutVoid()), S_OK);
+    return object;
+}
+
+template <typename Interface>
+ComPtr<Interface> As(const ComPtr<IUnknown>& object, REFIID iid) {
+    ComPtr<Interface> result;
+    EXPECT_EQ(object->QueryInterface(iid, result.PutVoid()), S_OK);
+    return result;
+}
+
+// The data object the shell hands over for a selection in a folder view.
+ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) {
+    std::vector<PIDLIST_ABSOLUTE> absolute;
+    for (const std::string& file : files) {
+        PIDLIST_ABSOLUTE pidl = nullptr;
+        if (SUCCEEDED(SHParseDisplayName(Wide(file).c_str(), nullptr, &pidl, 0, nullptr))) absolute.push_back(pidl);
+    }
+    ComPtr<IDataObject> data;
+    if (absolute.size() == files.size() && !absolute.empty()) {
+        ComPtr<IShellFolder> parent;
+        if (SUCCEEDED(SHBindToParent(absolute[0], IID_IShellFolder, parent.PutVoid(), nullptr))) {
+            std::vector<PCUITEMID_CHILD> children;
+            for (PIDLIST_ABSOLUTE pidl : absolute) children.push_back(ILFindLastID(pidl));
+            parent->GetUIObjectOf(nullptr, static_cast<UINT>(children.size()), children.data(), IID_IDataObject,
+                                  nullptr, data.PutVoid());
+        }
+    }
+    for (PIDLIST_ABSOLUTE pidl : absolute) CoTaskMemFree(pidl);
+    return data;
+}
+
+std::string OwnModulePath() {
+    char path[MAX_PATH + 1] = {};
+    GetModuleFileNameA(TheModule().instance, path, sizeof(path));
+    return path;
+}
+
+}  // namespace
+
+TEST(VQCPropInterfaces, EveryMappedInterfaceIsAnswered) {
+    ComPtr<IUnknown> object = NewObject();
+    for (const IID* iid : {&IID_IUnknown, &IID_IShellExtInit, &IID_IShellPropSheetExt, &IID_IPersistFile,
+                           &IID_IExtractIconA}) {
+        void* answer = reinterpret_cast<void*>(0xdeadbeef);
+        EXPECT_EQ(object->QueryInterface(*iid, &answer), S_OK);
+        ASSERT_NE(answer, nullptr);
+        static_cast<IUnknown*>(answer)->Release();
+    }
+}
+
+TEST(VQCPropInterfaces, ClassIdDoublesAsTheObjectsOwnInterface) {
+    ComPtr<IUnknown> object = NewObject();
+    void* answer = nullptr;
+    EXPECT_EQ(object->QueryInterface(CLSID_VQCProp, &answer), S_OK);
+    ASSERT_NE(answer, nullptr);
+    // IVQCProp is the primary interface: the same pointer as IUnknown.
+    EXPECT_EQ(answer, static_cast<void*>(object.Get()));
+    static_cast<IUnknown*>(answer)->Release();
+}
+
+TEST(VQCPropInterfaces, EachInterfaceLeadsBackToTheSameIdentity) {
+    ComPtr<IUnknown> object = NewObject();
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(object, IID_IExtractIconA);
+    ComPtr<IUnknown> identity;
+    ASSERT_EQ(icon->QueryInterface(IID_IUnknown, identity.PutVoid()), S_OK);
+    EXPECT_EQ(identity.Get(), object.Get());
+}
+
+TEST(VQCPropInterfaces, DispatchExtractIconWAndPersistAreRefused) {
+    ComPtr<IUnknown> object = NewObject();
+    for (const IID* iid : {&IID_IDispatch, &IID_IExtractIconW, &IID_IPersist, &IID_IClassFactory}) {
+        void* answer = reinterpret_cast<void*>(0xdeadbeef);
+        EXPECT_EQ(object->QueryInterface(*iid, &answer), E_NOINTERFACE);
+        EXPECT_EQ(answer, nullptr);
+    }
+}
+
+TEST(VQCPropInterfaces, NullOutputIsEPointerAndNullObjectIsEInvalidArg) {
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(object->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    void* answer = reinterpret_cast<void*>(0xdeadbeef);
+    EXPECT_EQ(VQCProp::InternalQueryInterface(nullptr, IID_IUnknown, &answer), E_INVALIDARG);
+    EXPECT_EQ(answer, reinterpret_cast<void*>(0xdeadbeef));
+}
+
+TEST(VQCPropInterfaces, ObjectHoldsOneModuleLockForItsLife) {
+    const LONG before = TheModule().GetLockCount();
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(TheModule().GetLockCount(), before + 1);
+    object.Reset();
+    EXPECT_EQ(TheModule().GetLockCount(), before);
+}
+
+TEST(VQCPropInterfaces, ReferenceCountIsPlainCounting) {
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(object->AddRef(), 2u);
+    EXPECT_EQ(object->AddRef(), 3u);
+    EXPECT_EQ(object->Release(), 2u);
+    EXPECT_EQ(object->Release(), 1u);
+}
+
+TEST(VQCPropNotImplemented, PersistFileMethodsOtherThanLoad) {
+    ComPtr<IPersistFile> file = As<IPersistFile>(NewObject(), IID_IPersistFile);
+    CLSID classId = {0xdeadbeef, 0xbeef, 0xdead, {1, 2, 3, 4, 5, 6, 7, 8}};
+    const CLSID untouched = classId;
+    EXPECT_EQ(file->GetClassID(&classId), E_NOTIMPL);
+    EXPECT_TRUE(IsEqualCLSID(classId, untouched));
+    EXPECT_EQ(file->IsDirty(), E_NOTIMPL);
+    EXPECT_EQ(file->Save(L"C:\\x.vqc", TRUE), E_NOTIMPL);
+    EXPECT_EQ(file->SaveCompleted(L"C:\\x.vqc"), E_NOTIMPL);
+    LPOLESTR current = reinterpret_cast<LPOLESTR>(0xdeadbeef);
+    EXPECT_EQ(file->GetCurFile(&current), E_NOTIMPL);
+    EXPECT_EQ(current, reinterpret_cast<LPOLESTR>(0xdeadbeef));
+}
+
+TEST(VQCPropNotImplemented, ReplacePage) {
+    ComPtr<IShellPropSheetExt> sheet = As<IShellPropSheetExt>(NewObject(), IID_IShellPropSheetExt);
+    EXPECT_EQ(sheet->ReplacePage(0, nullptr, 0), E_NOTIMPL);
+}
+
+TEST(VQCPropNotImplemented, AddPagesUntilThePagesArrive) {
+    ComPtr<IShellPropSheetExt> sheet = As<IShellPropSheetExt>(NewObject(), IID_IShellPropSheetExt);
+    EXPECT_EQ(sheet->AddPages(nullptr, 0), E_NOTIMPL);
+}
+
+TEST(VQCPropInitialize, OneSelectedFileIsAccepted) {
+    ComApartment apartment;
+    TempFolder folder("init-one");
+    const std::string file = folder.File("one.vqc");
+    WriteFileBytes(file, "-h host");
+    ComPtr<IDataObject> selection = ShellSelection({file});
+    ASSERT_TRUE(selection);
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, selection.Get(), nullptr), S_OK);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    char full[MAX_PATH + 1] = {};
+    GetFullPathNameA(file.c_str(), sizeof(full), full, nullptr);
+    EXPECT_EQ(_stricmp(prop->FileName().c_str(), full), 0) << prop->FileName();
+    EXPECT_EQ(prop->FileName().size(), std::string(full).size());
+}
+
+TEST(VQCPropInitialize, TwoSelectedFilesAreRefused) {
+    ComApartment apartment;
+    TempFolder folder("init-two");
+    WriteFileBytes(folder.File("a.vqc"), "-h a");
+    WriteFileBytes(folder.File("b.vqc"), "-h b");
+    ComPtr<IDataObject> selection = ShellSelection({folder.File("a.vqc"), folder.File("b.vqc")});
+    ASSERT_TRUE(selection);
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, selection.Get(), nullptr), E_FAIL);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_EQ(prop->FileName(), "");
+}
+
+TEST(VQCPropInitialize, NoDataObjectIsRefused) {
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, nullptr, nullptr), E_FAIL);
+}
+
+TEST(VQCPropInitialize, DataWithoutAFileDropIsRefused) {
+    ComApartment apartment;
+    // Text on the clipboard's terms: no CF_HDROP in it.
+    ComPtr<IDataObject> text;
+    ASSERT_EQ(OleGetClipboard(text.Put()), S_OK);
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, text.Get(), nullptr), E_FAIL);
+}
+
+TEST(VQCPropLoad, NullNameIsInvalidArgument) {
+    ComPtr<IPersistFile> file = As<IPersistFile>(NewObject(), IID_IPersistFile);
+    EXPECT_EQ(file->Load(nullptr, STGM_READ), E_INVALIDARG);
+}
+
+TEST(VQCPropLoad, WideNameIsConvertedWithTheThreadCodePage) {
+    const LCID before = GetThreadLocale();
+    ASSERT_TRUE(SetThreadLocale(MAKELCID(MAKELANGID(LANG_RUSSIAN, SUBLANG_DEFAULT), SORT_DEFAULT)));
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(L"C:\\\x0416.vqc", STGM_READ), S_OK);
+    SetThreadLocale(before);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_EQ(prop->FileName(), "C:\\\xC6.vqc");  // code page 1251
+    ASSERT_NE(prop->FileRecord(), nullptr);
+    EXPECT_EQ(prop->FileRecord()->filePath, "C:\\\xC6.vqc");
+}
+
+TEST(VQCPropLoad, UnreadableFileStillSucceeds) {
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(L"C:\\no such folder\\none.vqc", STGM_READ), S_OK);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    ASSERT_NE(prop->FileRecord(), nullptr);
+    EXPECT_NE(prop->FileRecord()->lastError, 0u);
+}
+
+TEST(VQCPropLoad, SecondLoadReplacesTheRecord) {
+    TempFolder folder("reload");
+    WriteFileBytes(folder.File("a.vqc"), "-h first");
+    WriteFileBytes(folder.File("b.vqc"), "-h second");
+    ComPtr<IUnknown> object = NewObject();
+    ComPtr<IPersistFile> file = As<IPersistFile>(object, IID_IPersistFile);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    ASSERT_EQ(file->Load(Wide(folder.File("a.vqc")).c_str(), STGM_READ), S_OK);
+    EXPECT_EQ(prop->FileRecord()->host, "first");
+    ASSERT_EQ(file->Load(Wide(folder.File("b.vqc")).c_str(), STGM_READ), S_OK);
+    EXPECT_EQ(prop->FileRecord()->host, "second");
+    EXPECT_EQ(prop->FileRecord()->refCount, 1u);
+}
+
+TEST(VQCPropIcon, WithoutLoadExtractLeavesItToTheShell) {
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(NewObject(), IID_IExtractIconA);
+    HICON large = reinterpret_cast<HICON>(0xdeadbeef);
+    HICON small = reinterpret_cast<HICON>(0xdeadbeef);
+    EXPECT_EQ(icon->Extract("x", 0, &large, &small, MAKELONG(32, 16)), S_FALSE);
+    EXPECT_EQ(large, reinterpret_cast<HICON>(0xdeadbeef));
+    EXPECT_EQ(small, reinterpret_cast<HICON>(0xdeadbeef));
+}
+
+TEST(VQCPropIcon, WithoutLoadTheLocationIsTheModulesOwnIcon) {
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(NewObject(), IID_IExtractIconA);
+    char location[MAX_PATH + 1] = "unwritten";
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    EXPECT_EQ(icon->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &index, &flags), S_OK);
+    EXPECT_EQ(std::string(location), OwnModulePath());
+    EXPECT_EQ(index, 0);
+    EXPECT_EQ(flags, static_cast<UINT>(GIL_PERINSTANCE));
+}
+
+TEST(VQCPropIcon, FileWithoutIconPointsAtTheModuleWithFlagsTwo) {
+    TempFolder folder("no-icon");
+    const std::string path = folder.File("plain.vqc");
+    WriteFileBytes(path, "-h server.example -u tester");
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(object, IID_IExtractIconA);
+    char location[MAX_PATH + 1] = "unwritten";
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    EXPECT_EQ(icon->GetIconLocation(0, location, sizeof(location), &index, &flags), S_OK);
+    EXPECT_EQ(std::string(location), OwnModulePath());
+    EXPECT_EQ(index, 0);
+    EXPECT_EQ(flags, 2u);
+    HICON large = reinterpret_cast<HICON>(0xdeadbeef);
+    HICON small = reinterpret_cast<HICON>(0xdeadbeef);
+    EXPECT_EQ(icon->Extract(location, 0, &large, &small, MAKELONG(32, 16)), S_FALSE);
+    EXPECT_EQ(large, reinterpret_cast<HICON>(0xdeadbeef));
+    EXPECT_EQ(small, reinterpret_cast<HICON>(0xdeadbeef));
+}
+
+TEST(VQCPropIcon, FileWithIconPointsAtItselfWithFlags26) {
+    TempFolder folder("icon");
+    const std::string path = folder.File("with icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({48, 24}));
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(object, IID_IExtractIconA);
+    char location[MAX_PATH + 1] = "unwritten";
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    EXPECT_EQ(icon->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &index, &flags), S_OK);
+    EXPECT_EQ(std::string(location), path);
+    EXPECT_EQ(index, 0);
+    EXPECT_EQ(flags, 26u);
+
+    HICON large = nullptr;
+    HICON small = nullptr;
+    ASSERT_EQ(icon->Extract(location, 0, &large, &small, MAKELONG(32, 16)), S_OK);
+    UniqueIcon largeOwner(large);
+    UniqueIcon smallOwner(small);
+    // Copies at the sizes the record holds them, not the record's own handles.
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_NE(large, prop->FileRecord()->icon.get());
+    EXPECT_NE(small, prop->FileRecord()->smallIcon.get());
+    EXPECT_EQ(IconSize(large).cx, 48);
+    EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
+}
+
+TEST(VQCPropIcon, LocationIsCutToMaxChars) {
+    TempFolder folder("short");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({32}));
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    char location[16];
+    memset(location, 'x', sizeof(location));
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    EXPECT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->GetIconLocation(0, location, 6, &index, &flags), S_OK);
+    EXPECT_EQ(std::string(location), path.substr(0, 5));
+    EXPECT_EQ(location[6], 'x');
+    EXPECT_EQ(flags, 26u);
+}
+
+TEST(VQCPropIcon, OneImageGivesTheLargeIconAndLeavesTheSmallOneUnwritten) {
+    TempFolder folder("one-image");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({32}));
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    HICON large = nullptr;
+    HICON small = reinterpret_cast<HICON>(0xdeadbeef);
+    ASSERT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_OK);
+    UniqueIcon largeOwner(large);
+    EXPECT_EQ(IconSize(large).cx, 32);
+    EXPECT_EQ(small, reinterpret_cast<HICON>(0xdeadbeef));
+}
+
+TEST(VQCPropIcon, SmallIconAloneIsHandedOverWithSFalse) {
+    // The first image is damaged, so only the second (small) one becomes an icon.
+    std::vector<std::uint8_t> icons = MakeIconFile({32, 16});
+    const std::size_t firstImage = 6 + 2 * 16;
+    std::fill(icons.begin() + firstImage, icons.begin() + firstImage + 40, std::uint8_t{0});  // no header
+    TempFolder folder("small-only");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, "-h server -I " + HexText(icons));
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    ASSERT_FALSE(prop->FileRecord()->icon);
+    ASSERT_TRUE(prop->FileRecord()->smallIcon);
+
+    HICON large = reinterpret_cast<HICON>(0xdeadbeef);
+    HICON small = nullptr;
+    EXPECT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_FALSE);
+    UniqueIcon smallOwner(small);
+    EXPECT_EQ(large, reinterpret_cast<HICON>(0xdeadbeef));
+    ASSERT_NE(small, nullptr);
+    EXPECT_NE(small, prop->FileRecord()->smallIcon.get());
+    EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
+    // Without the large icon the location is the module's own.
+    char location[MAX_PATH + 1] = "";
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    EXPECT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)
+                  ->GetIconLocation(0, location, sizeof(location), &index, &flags),
+              S_OK);
+    EXPECT_EQ(flags, 2u);
+}
+
+TEST(VQCPropInitialize, HoldsOneReferenceOnTheDataObjectAndSwapsItForANewOne) {
+    ComApartment apartment;
+    TempFolder folder("init-swap");
+    WriteFileBytes(folder.File("a.vqc"), "-h a");
+    WriteFileBytes(folder.File("b.vqc"), "-h b");
+    ComPtr<IDataObject> first = ShellSelection({folder.File("a.vqc")});
+    ComPtr<IDataObject> second = ShellSelection({folder.File("b.vqc")});
+    ASSERT_TRUE(first);
+    ASSERT_TRUE(second);
+    auto references = [](IUnknown* object) {
+        object->AddRef();
+        return object->Release();
+    };
+    const ULONG firstAlone = references(first.Get());
+    const ULONG secondAlone = references(second.Get());
+    ComPtr<IUnknown> object = NewObject();
+    ComPtr<IShellExtInit> init = As<IShellExtInit>(object, IID_IShellExtInit);
+    ASSERT_EQ(init->Initialize(nullptr, first.Get(), nullptr), S_OK);
+    EXPECT_EQ(references(first.Get()), firstAlone + 1);
+    ASSERT_EQ(init->Initialize(nullptr, first.Get(), nullptr), S_OK);  // the same one again: no second reference
+    EXPECT_EQ(references(first.Get()), firstAlone + 1);
+    ASSERT_EQ(init->Initialize(nullptr, second.Get(), nullptr), S_OK);
+    EXPECT_EQ(references(first.Get()), firstAlone);
+    EXPECT_EQ(references(second.Get()), secondAlone + 1);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_EQ(prop->FileName().substr(prop->FileName().size() - 5), "b.vqc");
+    object.Reset();
+    init.Reset();
+    EXPECT_EQ(references(second.Get()), secondAlone);
+}
