@@ -57,7 +57,7 @@ TEST(IconStream, DirectoryEntryOfAFourBitImage) {
     const std::vector<std::uint8_t> header(s.begin(), s.begin() + 22);
     EXPECT_EQ(header, (std::vector<std::uint8_t>{0, 0, 1, 0, 1, 0,          // reserved, type, count
                                                  32, 32, 16, 0, 1, 0, 4, 0,  // size, colours, planes, bits
-                                                 0xF8, 2, 0, 0, 22, 0, 0, 0}));  // 760 bytes at 22
+                                                 0xE8, 2, 0, 0, 22, 0, 0, 0}));  // 744 bytes at 22
     // The image's header: 40, width 32, height 64 (doubled), 1 plane, 4 bits, size 0.
     EXPECT_EQ(s[22], 40);
     EXPECT_EQ(s[26], 32);
