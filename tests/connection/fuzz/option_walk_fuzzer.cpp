@@ -22,11 +22,28 @@ struct Checked : IconImageSink {
     }
 };
 
+// The joining rule byte by byte, as plainly as it can be said, to hold the fast version to.
+std::string JoinLinesPlainly(std::string_view text) {
+    std::string joined;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const bool hasNext = i + 1 < text.size();
+        if (c == '\r' && hasNext && text[i + 1] == '\n') continue;
+        if (c == '\r' || c == '\n') {
+            if (hasNext && text[i + 1] == '-') joined.push_back(' ');
+            continue;
+        }
+        joined.push_back(c);
+    }
+    return joined;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const std::string line = argument_text::PrepareCommandLine("C:\\prog.exe", true, text);
+    if (argument_text::JoinLines(text) != JoinLinesPlainly(text)) std::abort();
 
     // Blanks and quotes split roughly as Windows does; the walk must cope with any list.
     std::vector<std::string> arguments;
