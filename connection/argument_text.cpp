@@ -1,32 +1,42 @@
 #include "connection/argument_text.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace argument_text {
 
-std::string_view UpToFirstNul(std::string_view text) noexcept {
-    const std::size_t nul = text.find('\0');
-    return nul == std::string_view::npos ? text : text.substr(0, nul);
-}
-
 namespace {
 
-// Position of the first CR or LF at or after `from`, or text.size(). Eight bytes at a
-// time: a connection file is mostly one long line.
-std::size_t FindLineBreak(std::string_view text, std::size_t from) {
+// Position of the first byte equal to a or b at or after `from`, or text.size(). Eight
+// bytes at a time: a connection file can be one line of megabytes, scanned several times.
+std::size_t FindEither(std::string_view text, std::size_t from, char a, char b) noexcept {
     constexpr std::uint64_t kOnes = 0x0101010101010101ull;
     constexpr std::uint64_t kHighs = 0x8080808080808080ull;
+    const std::uint64_t aa = kOnes * static_cast<unsigned char>(a);
+    const std::uint64_t bb = kOnes * static_cast<unsigned char>(b);
     std::size_t i = from;
     for (; i + 8 <= text.size(); i += 8) {
         std::uint64_t word;
         std::memcpy(&word, text.data() + i, 8);
-        const std::uint64_t cr = word ^ (kOnes * '\r');
-        const std::uint64_t lf = word ^ (kOnes * '\n');
-        if (((cr - kOnes) & ~cr & kHighs) | ((lf - kOnes) & ~lf & kHighs)) break;
+        const std::uint64_t x = word ^ aa;
+        const std::uint64_t y = word ^ bb;
+        if (((x - kOnes) & ~x & kHighs) | ((y - kOnes) & ~y & kHighs)) break;
     }
-    while (i < text.size() && text[i] != '\r' && text[i] != '\n') ++i;
+    while (i < text.size() && text[i] != a && text[i] != b) ++i;
     return i;
 }
+
+std::size_t FindLineBreak(std::string_view text, std::size_t from) noexcept {
+    return FindEither(text, from, '\r', '\n');
+}
+
+}  // namespace
+
+std::string_view UpToFirstNul(std::string_view text) noexcept {
+    return text.substr(0, FindEither(text, 0, '\0', '\0'));
+}
+
+namespace {
 
 void AppendJoinedLines(std::string& joined, std::string_view text) {
     std::size_t i = 0;
@@ -53,10 +63,14 @@ std::string JoinLines(std::string_view text) {
 }
 
 void ApplyQuoteRule(std::string& text) {
-    const std::size_t start = text.find("-w '");
-    if (start == std::string::npos) return;
-    for (std::size_t i = start; i < text.size(); ++i)
-        if (text[i] == '\'') text[i] = '"';
+    // The match is found by its quote, the rarest of its four bytes.
+    constexpr std::string_view kMatch = "-w '";
+    const std::string_view view(text);
+    std::size_t quote = FindEither(view, kMatch.size() - 1, '\'', '\'');
+    while (quote < view.size() && view.substr(quote - (kMatch.size() - 1), kMatch.size()) != kMatch)
+        quote = FindEither(view, quote + 1, '\'', '\'');
+    for (; quote < text.size(); quote = FindEither(view, quote + 1, '\'', '\''))
+        text[quote] = '"';
 }
 
 std::string PrepareCommandLine(std::string_view programPath, bool withProgramName,

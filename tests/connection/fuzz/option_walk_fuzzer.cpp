@@ -38,12 +38,24 @@ std::string JoinLinesPlainly(std::string_view text) {
     return joined;
 }
 
+void ApplyQuoteRulePlainly(std::string& text) {
+    const std::size_t start = text.find("-w '");
+    if (start == std::string::npos) return;
+    for (std::size_t i = start; i < text.size(); ++i)
+        if (text[i] == '\'') text[i] = '"';
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const std::string line = argument_text::PrepareCommandLine("C:\\prog.exe", true, text);
     if (argument_text::JoinLines(text) != JoinLinesPlainly(text)) std::abort();
+    if (argument_text::UpToFirstNul(text) != text.substr(0, text.find('\0'))) std::abort();
+    std::string fast(text), plain(text);
+    argument_text::ApplyQuoteRule(fast);
+    ApplyQuoteRulePlainly(plain);
+    if (fast != plain) std::abort();
 
     // Blanks and quotes split roughly as Windows does; the walk must cope with any list.
     std::vector<std::string> arguments;
