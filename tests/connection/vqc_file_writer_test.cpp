@@ -343,6 +343,12 @@ TEST(Writer, FileOpenedWithoutSharingFailsWithSharingViolationAndKeepsItsContent
     EXPECT_EQ(file.Content(), "-h old ");
 }
 
+TEST(Writer, NullPathFailsWithAnError) {
+    auto r = Fresh();
+    EXPECT_EQ(r->Write(nullptr), 1);
+    EXPECT_NE(r->lastError, 0u);
+}
+
 TEST(Writer, SuccessLeavesLastErrorAlone) {
     TempFile file("ok");
     auto r = Fresh();
