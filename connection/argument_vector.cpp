@@ -151,7 +151,9 @@ std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut
         convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, strings, sizes[i], nullptr, nullptr);
         strings[sizes[i] - 1] = '\0';
         strings += sizes[i];
-        if (argument_text::StartsDebuggerWait(argv[i])) WaitForDebugger();
+        // The length is known here; measuring each of a long line's arguments again costs.
+        if (argument_text::StartsDebuggerWait(std::string_view(argv[i], static_cast<std::size_t>(sizes[i] - 1))))
+            WaitForDebugger();
     }
     argv[argc] = nullptr;
     argv[argc + 1] = nullptr;

@@ -57,13 +57,24 @@ private:
             s_.localTarget = ansi_text::Trimmed(element);
     }
 
-    // Every later element, joined with single blanks, appended to what is there.
+    // Every later element, joined with single blanks, appended to what is there. A -C line
+    // can run to megabytes of short tokens, so each token is copied in one pass, without
+    // measuring it first, into room that grows by doubling.
     void TakeCommandLine() {
+        std::string& out = s_.commandLine;
+        std::size_t used = out.size();
+        out.resize(used + 4096);
         for (int i = index_ + 1; i < argc_; ++i) {
-            if (i > index_ + 1) s_.commandLine.push_back(' ');
-            s_.commandLine.append(At(i));
+            if (i > index_ + 1) Put(out, used, ' ');
+            for (const char* p = At(i); *p; ++p) Put(out, used, *p);
         }
+        out.resize(used);
         index_ = argc_;
+    }
+
+    static void Put(std::string& out, std::size_t& used, char c) {
+        if (used == out.size()) out.resize(out.size() * 2);
+        out[used++] = c;
     }
 
     void TakeBroker() {

@@ -27,7 +27,8 @@ public:
     STDMETHODIMP_(ULONG) Release() override;
 
     // Reads the connection file at path over the current fields; 0 on success, 1 on
-    // failure with the Windows error in lastError.
+    // failure with the Windows error in lastError. Raises HResultError (E_INVALIDARG for a
+    // file of 2 GiB or more or a view that cannot be had, E_OUTOFMEMORY without memory).
     std::int32_t Read(const char* path);
     // Replaces the file at path with the record's option line; 0 or 1 as Read.
     std::int32_t Write(const char* path);
@@ -45,6 +46,9 @@ public:
     ULONG refCount = 0;
     UniqueIcon icon;       // the file's own icon at its natural size (-I)
     UniqueIcon smallIcon;  // the same icon at the system small-icon size
+
+private:
+    std::int32_t ReadMapped(const char* path);
 };
 
 // The domain check asks Windows through this function (GetUserNameExA by default).

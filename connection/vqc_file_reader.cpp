@@ -1,5 +1,7 @@
 // VQCFileInfo::Read: maps the connection file, splits its text into arguments and lays
 // the options over the record's fields; the embedded icon is decoded last.
+#include <new>
+#include <stdexcept>
 #include <string>
 
 #include "common/hresult_error.h"
@@ -27,6 +29,17 @@ void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
 }
 
 std::int32_t VQCFileInfo::Read(const char* path) {
+    // Running out of memory for a text surfaces as the HRESULT the COM boundary hands on.
+    try {
+        return ReadMapped(path);
+    } catch (const std::bad_alloc&) {
+        throw HResultError(kResultOutOfMemory);
+    } catch (const std::length_error&) {
+        throw HResultError(kResultInvalidArg);
+    }
+}
+
+std::int32_t VQCFileInfo::ReadMapped(const char* path) {
     std::string text;
     {
         MappedFile file;

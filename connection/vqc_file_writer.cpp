@@ -1,5 +1,9 @@
 // VQCFileInfo::Write: replaces the connection file with the record's option line.
+#include <new>
+#include <stdexcept>
 #include <string>
+
+#include "common/hresult_error.h"
 
 #include "common/win_handles.h"
 #include "connection/icon_codec.h"
@@ -25,9 +29,16 @@ bool MakeIconText(HICON icon, HICON smallIcon, std::string& text) {
 }  // namespace
 
 std::int32_t VQCFileInfo::Write(const char* path) {
-    std::string iconText;
-    const bool withIcon = MakeIconText(icon.get(), smallIcon.get(), iconText);
-    const std::string line = BuildOptionLine(*this, withIcon ? iconText.c_str() : nullptr);
+    std::string line;
+    try {
+        std::string iconText;
+        const bool withIcon = MakeIconText(icon.get(), smallIcon.get(), iconText);
+        line = BuildOptionLine(*this, withIcon ? iconText.c_str() : nullptr);
+    } catch (const std::bad_alloc&) {
+        throw HResultError(kResultFail);  // no string storage for the text
+    } catch (const std::length_error&) {
+        throw HResultError(kResultInvalidArg);
+    }
 
     const UniqueKernelHandle file(CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));

@@ -43,6 +43,7 @@ prepare_wine_prefix() {
 }
 
 start_wine_server() {
-  wineserver -p </dev/null >/dev/null 2>&1
+  # -p fails when a server for this prefix is already running; that one serves as well.
+  wineserver -p </dev/null >/dev/null 2>&1 || true
   "$WINE_LOADER" cmd /c exit </dev/null >/dev/null 2>&1 || true
 }

@@ -83,6 +83,30 @@ TEST(Reader, LockedFileFailsWithSharingViolation) {
     CloseHandle(lock);
 }
 
+TEST(Reader, NullPathFailsWithAnError) {
+    Record r;
+    EXPECT_EQ(r->Read(nullptr), 1);
+    EXPECT_NE(r->lastError, 0u);
+    ExpectDefaults(*r);
+}
+
+TEST(Reader, DirectoryFailsWithTheErrorOfOpeningIt) {
+    char folder[MAX_PATH + 1] = {};
+    GetTempPathA(sizeof(folder), folder);
+    const std::string directory = std::string(folder) + "vqc-reader-dir-" + std::to_string(GetCurrentProcessId());
+    ASSERT_TRUE(CreateDirectoryA(directory.c_str(), nullptr));
+    SetLastError(0);
+    HANDLE probe = CreateFileA(directory.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
+    const DWORD expected = GetLastError();
+    EXPECT_EQ(probe, INVALID_HANDLE_VALUE);
+    Record r;
+    EXPECT_EQ(r->Read(directory.c_str()), 1);
+    EXPECT_EQ(r->lastError, expected);
+    EXPECT_NE(r->lastError, 0u);
+    RemoveDirectoryA(directory.c_str());
+}
+
 TEST(Reader, SuccessReturnsZeroAndLeavesLastErrorAlone) {
     TempFile file("ok", "-h server ");
     Record r;

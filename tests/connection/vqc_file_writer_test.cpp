@@ -1,0 +1,382 @@
+// The writer on real files under Wine: byte-exact contents for every version gate, the
+// option order, quoting, the icon block and the failures of creating the file.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "connection/icon_codec.h"
+#include "connection/option_line.h"
+#include "connection/vqc_file_info.h"
+#include "test_files.h"
+#include "test_icons.h"
+
+namespace {
+
+std::unique_ptr<VQCFileInfo> Fresh() { return std::make_unique<VQCFileInfo>("C:\\w.vqc"); }
+
+// Writes the record to a real file and returns the file's bytes.
+std::string Written(VQCFileInfo& record) {
+    TempFile file("writer");
+    const std::int32_t result = record.Write(file.path());
+    EXPECT_EQ(result, 0);
+    return file.Content();
+}
+
+std::string IconHex(HICON icon, HICON smallIcon) {
+    const std::uint64_t size = EncodeIcons(nullptr, icon, smallIcon);
+    std::string text(size - 1, '\0');
+    char* cursor = text.data();
+    EncodeIcons(&cursor, icon, smallIcon);
+    return text;
+}
+
+}  // namespace
+
+TEST(Writer, FreshRecordWritesAnEmptyFile) {
+    auto r = Fresh();
+    EXPECT_EQ(Written(*r), "");
+}
+
+TEST(Writer, DefaultServicePortWithoutEncryptIsNotWritten) {
+    auto r = Fresh();
+    r->serviceName = "svc";
+    r->servicePort = 790;
+    EXPECT_EQ(Written(*r), "-v svc ");
+}
+
+TEST(Writer, Port790WithEncryptIsWritten) {
+    auto r = Fresh();
+    r->serviceName = "svc";
+    r->servicePort = 790;
+    r->encrypt = 1;
+    EXPECT_EQ(Written(*r), "-V 790 -l -v svc ");
+}
+
+TEST(Writer, DefaultEncryptedPortIsNotWritten) {
+    auto r = Fresh();
+    r->serviceName = "svc";
+    r->servicePort = 4790;
+    r->encrypt = 1;
+    EXPECT_EQ(Written(*r), "-l -v svc ");
+}
+
+TEST(Writer, ServicePortIsNeverWrittenWithoutServiceName) {
+    auto r = Fresh();
+    r->host = "h";
+    r->servicePort = 1234;
+    EXPECT_EQ(Written(*r), "-h h ");
+}
+
+TEST(Writer, ServicePortNotGivenIsNotWritten) {
+    auto r = Fresh();
+    r->serviceName = "svc";
+    r->servicePort = -1;
+    EXPECT_EQ(Written(*r), "-v svc ");
+}
+
+TEST(Writer, Version640NeverGetsL) {
+    auto r = Fresh();
+    r->clientVersion = 640;
+    r->encrypt = 1;
+    EXPECT_EQ(Written(*r), "");
+    r->clientVersion = 641;
+    EXPECT_EQ(Written(*r), "-l ");
+    r->clientVersion = 620;
+    EXPECT_EQ(Written(*r), "-l ");
+}
+
+TEST(Writer, Version619WritesNeitherLNorRoute) {
+    auto r = Fresh();
+    r->clientVersion = 619;
+    r->encrypt = 1;
+    r->route = 1;
+    r->proxyHost = "proxy";
+    r->brokerHost = "broker";
+    EXPECT_EQ(Written(*r), "");
+    r->route = 2;
+    EXPECT_EQ(Written(*r), "");
+}
+
+TEST(Writer, AutomaticMOnlyFrom665To689) {
+    auto r = Fresh();
+    r->serviceName = "svc";
+    r->noOptionM = 0;
+    const struct { std::int32_t version; const char* expected; } cases[] = {
+        {664, "-v svc "}, {665, "-M -v svc "}, {677, "-M -v svc "}, {689, "-M -v svc "}, {690, "-v svc "},
+    };
+    for (const auto& c : cases) {
+        r->clientVersion = c.version;
+        EXPECT_EQ(Written(*r), c.expected) << c.version;
+    }
+}
+
+TEST(Writer, AutomaticMNeedsNoOptionMClearServiceNameAndNoNM) {
+    auto r = Fresh();
+    r->clientVersion = 670;
+    r->serviceName = "svc";
+    r->noOptionM = 1;
+    EXPECT_EQ(Written(*r), "-v svc ");
+    r->noOptionM = 0;
+    r->serviceName.clear();
+    EXPECT_EQ(Written(*r), "");
+    r->serviceName = "svc";
+    r->optionNM = 1;
+    EXPECT_EQ(Written(*r), "-N -M -v svc ");
+}
+
+TEST(Writer, BrokerRouteWithEmptyHostWritesNoRouteOption) {
+    auto r = Fresh();
+    r->route = 2;
+    r->proxyHost = "proxy";
+    EXPECT_EQ(Written(*r), "");
+}
+
+TEST(Writer, ProxyRouteWithEmptyHostWritesNoRouteOption) {
+    auto r = Fresh();
+    r->route = 1;
+    r->brokerHost = "broker";
+    EXPECT_EQ(Written(*r), "");
+}
+
+TEST(Writer, OnlyTheRouteNamedIsWritten) {
+    auto r = Fresh();
+    r->proxyHost = "proxy";
+    r->brokerHost = "broker";
+    r->route = 2;
+    EXPECT_EQ(Written(*r), "-f broker ");
+    r->route = 1;
+    EXPECT_EQ(Written(*r), "-c proxy ");
+    r->route = 0;
+    EXPECT_EQ(Written(*r), "");
+}
+
+TEST(Writer, BrokerPortAndUpperF) {
+    auto r = Fresh();
+    r->route = 2;
+    r->brokerHost = "broker";
+    r->brokerPort = 3128;
+    r->brokerUpperF = 1;
+    EXPECT_EQ(Written(*r), "-F broker:3128 ");
+}
+
+TEST(Writer, ProxyUserAndPort) {
+    auto r = Fresh();
+    r->route = 1;
+    r->proxyHost = "proxy";
+    r->proxyUser = "admin";
+    r->proxyPort = 3128;
+    EXPECT_EQ(Written(*r), "-c admin@proxy:3128 ");
+    r->proxyUser.clear();
+    r->proxyPort = 8080;
+    EXPECT_EQ(Written(*r), "-c proxy ");
+}
+
+TEST(Writer, HostWithBlankIsQuoted) {
+    auto r = Fresh();
+    r->host = "my server";
+    EXPECT_EQ(Written(*r), "-h \"my server\" ");
+}
+
+TEST(Writer, AlreadyQuotedValueIsNotQuotedAgain) {
+    auto r = Fresh();
+    r->host = "\"my server\"";
+    EXPECT_EQ(Written(*r), "-h \"my server\" ");
+}
+
+TEST(Writer, QuotesInsideAValueAreNotEscaped) {
+    auto r = Fresh();
+    r->login = "a\"b c";
+    EXPECT_EQ(Written(*r), "-u \"a\"b c\" ");
+}
+
+TEST(Writer, WithOptionKOnlyKUIAndCAppear) {
+    auto r = Fresh();
+    r->optionK = 1;
+    r->host = "h";
+    r->localConnect = 1;
+    r->localTarget = "t";
+    r->serviceName = "svc";
+    r->servicePort = 99;
+    r->answerBack = "ab";
+    r->optionL = 1;
+    r->optionR = 1;
+    r->optionT = 1;
+    r->encrypt = 1;
+    r->option_s = 1;
+    r->route = 1;
+    r->proxyHost = "p";
+    r->login = "bob";
+    r->commandLine = "run me";
+    r->SetIcons(MakeTestIcon(16, 4), nullptr);
+    const std::string hex = IconHex(r->icon.get(), nullptr);
+    EXPECT_EQ(Written(*r), "-K -u bob \r\n-I \"" + hex + "\" -C run me");
+}
+
+TEST(Writer, LocalConnectionWritesTargetAndStartDirectory) {
+    auto r = Fresh();
+    r->localConnect = 1;
+    r->localTarget = "my prog";
+    r->startDirectory = "C:\\work";
+    r->host = "ignored";
+    r->serviceName = "svc";
+    r->answerBack = "ab";
+    r->login = "bob";
+    EXPECT_EQ(Written(*r), "-d \"my prog\" -S C:\\work -v svc -a ab -u bob ");
+}
+
+TEST(Writer, EmptyLocalTargetGivesDAndTwoBlanks) {
+    auto r = Fresh();
+    r->localConnect = 1;
+    EXPECT_EQ(Written(*r), "-d  ");
+}
+
+TEST(Writer, LoginModeOrder) {
+    auto r = Fresh();
+    r->optionL = 1;
+    r->optionN = 1;
+    r->optionNM = 1;
+    EXPECT_EQ(Written(*r), "-L ");
+    r->optionL = 0;
+    EXPECT_EQ(Written(*r), "-N ");
+    r->optionN = 0;
+    EXPECT_EQ(Written(*r), "-N -M ");
+}
+
+TEST(Writer, TypicalRemoteFileInOrder) {
+    auto r = Fresh();
+    r->host = "server";
+    r->optionR = 1;
+    r->serviceName = "svc";
+    r->servicePort = 5000;
+    r->encrypt = 1;
+    r->option_s = 1;
+    r->route = 1;
+    r->proxyHost = "proxy";
+    r->proxyPort = 3128;
+    r->optionT = 1;
+    r->answerBack = "back";
+    r->login = "bob";
+    r->commandLine = "prog  -x \"a b\"";
+    EXPECT_EQ(Written(*r),
+              "-h server -V 5000 -R -l -s -c proxy:3128 -T -v svc -a back -u bob -C prog  -x \"a b\"");
+}
+
+TEST(Writer, IconBlockStandsOnItsOwnLineInQuotes) {
+    auto r = Fresh();
+    r->host = "h";
+    r->SetIcons(MakeTestIcon(32, 4), MakeTestIcon(16, 4));
+    const std::string hex = IconHex(r->icon.get(), r->smallIcon.get());
+    const std::string content = Written(*r);
+    EXPECT_EQ(content, "-h h \r\n-I \"" + hex + "\" ");
+    EXPECT_NE(hex.find("\r\n"), std::string::npos);
+}
+
+TEST(Writer, SmallIconAloneIsLeftOut) {
+    auto r = Fresh();
+    r->SetIcons(nullptr, MakeTestIcon(16, 4));
+    r->login = "bob";
+    EXPECT_EQ(Written(*r), "-u bob ");
+}
+
+TEST(Writer, CommandLineIsLastWithoutTrailingBlank) {
+    auto r = Fresh();
+    r->commandLine = "a b";
+    r->login = "u";
+    EXPECT_EQ(Written(*r), "-u u -C a b");
+}
+
+TEST(Writer, ReplacesLongerContent) {
+    TempFile file("replace", std::string(5000, 'x'));
+    auto r = Fresh();
+    r->host = "h";
+    ASSERT_EQ(r->Write(file.path()), 0);
+    EXPECT_EQ(file.Content(), "-h h ");
+}
+
+TEST(Writer, DirectoryPathFailsWithTheErrorOfCreateFile) {
+    char folder[MAX_PATH + 1] = {};
+    GetTempPathA(sizeof(folder), folder);
+    const std::string directory = std::string(folder) + "vqc-writer-dir-" + std::to_string(GetCurrentProcessId());
+    ASSERT_TRUE(CreateDirectoryA(directory.c_str(), nullptr));
+    SetLastError(0);
+    HANDLE probe = CreateFileA(directory.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const DWORD expected = GetLastError();
+    EXPECT_EQ(probe, INVALID_HANDLE_VALUE);
+    auto r = Fresh();
+    r->host = "h";
+    r->lastError = 0xdeadbeef;
+    EXPECT_EQ(r->Write(directory.c_str()), 1);
+    EXPECT_EQ(r->lastError, expected);
+    EXPECT_NE(r->lastError, 0u);
+    RemoveDirectoryA(directory.c_str());
+}
+
+TEST(Writer, ReadOnlyFileFailsWithAccessDeniedAndKeepsItsContent) {
+    TempFile file("readonly", "-h old ");
+    ASSERT_TRUE(SetFileAttributesA(file.path(), FILE_ATTRIBUTE_READONLY));
+    // Wine keeps the attribute as Unix permissions, which root does not obey.
+    HANDLE probe = CreateFileA(file.path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (probe != INVALID_HANDLE_VALUE) {
+        CloseHandle(probe);
+        GTEST_SKIP() << "read-only files are writable for this user (Wine run as root)";
+    }
+    auto r = Fresh();
+    r->host = "new";
+    EXPECT_EQ(r->Write(file.path()), 1);
+    EXPECT_EQ(r->lastError, static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(file.Content(), "-h old ");
+}
+
+TEST(Writer, FileOpenedWithoutSharingFailsWithSharingViolationAndKeepsItsContent) {
+    TempFile file("locked", "-h old ");
+    HANDLE lock = CreateFileA(file.path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    auto r = Fresh();
+    r->host = "new";
+    EXPECT_EQ(r->Write(file.path()), 1);
+    EXPECT_EQ(r->lastError, static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+    CloseHandle(lock);
+    EXPECT_EQ(file.Content(), "-h old ");
+}
+
+TEST(Writer, NullPathFailsWithAnError) {
+    auto r = Fresh();
+    EXPECT_EQ(r->Write(nullptr), 1);
+    EXPECT_NE(r->lastError, 0u);
+}
+
+TEST(Writer, SuccessLeavesLastErrorAlone) {
+    TempFile file("ok");
+    auto r = Fresh();
+    r->lastError = 0xdeadbeef;
+    EXPECT_EQ(r->Write(file.path()), 0);
+    EXPECT_EQ(r->lastError, 0xdeadbeefu);
+}
+
+TEST(EmitOption, WithoutValueIsLetterAndBlank) {
+    std::string out = "x";
+    EmitOption(out, 'l', nullptr, false);
+    EXPECT_EQ(out, "x-l ");
+}
+
+TEST(EmitOption, AlwaysQuoteWrapsEvenWithoutBlank) {
+    std::string out;
+    EmitOption(out, 'I', "00AB", true);
+    EXPECT_EQ(out, "-I \"00AB\" ");
+}
+
+TEST(EmitOption, EmptyValueWithAlwaysQuoteIsTwoQuotes) {
+    std::string out;
+    EmitOption(out, 'I', "", true);
+    EXPECT_EQ(out, "-I \"\" ");
+}
+
+TEST(EmitOption, SingleQuoteCharacterCountsAsEnclosed) {
+    std::string out;
+    EmitOption(out, 'h', "\"", true);
+    EXPECT_EQ(out, "-h \" ");
+}

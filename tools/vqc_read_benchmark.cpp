@@ -1,0 +1,208 @@
+// Measures VQCFileInfo::Read against its floor: the work no reader of the same file can
+// avoid in this process (open, map and close the file, the code-page conversions,
+// CommandLineToArgvW, and CreateIconFromResourceEx for the icons). Run by hand:
+//   vqc_read_benchmark [iterations-for-the-small-file [breakdown]]
+#include <windows.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/win_handles.h"
+#include "connection/argument_vector.h"
+#include "connection/icon_stream.h"
+#include "connection/option_walk.h"
+#include "connection/vqc_file_info.h"
+
+namespace {
+
+double Now() {
+    static const double frequency = [] {
+        LARGE_INTEGER f;
+        QueryPerformanceFrequency(&f);
+        return static_cast<double>(f.QuadPart);
+    }();
+    LARGE_INTEGER t;
+    QueryPerformanceCounter(&t);
+    return static_cast<double>(t.QuadPart) / frequency;
+}
+
+IconImage PatternImage(int size) {
+    IconImageFormat f;
+    f.width = f.height = size;
+    f.planes = 1;
+    f.bitsPerPixel = 4;
+    std::vector<std::uint8_t> table(64);
+    for (int i = 0; i < 64; ++i) table[i] = static_cast<std::uint8_t>(i * 5);
+    std::vector<std::uint8_t> xorBits(std::size_t{XorRowBytes(f)} * size);
+    for (std::size_t i = 0; i < xorBits.size(); ++i) xorBits[i] = static_cast<std::uint8_t>(i * 13);
+    std::vector<std::uint8_t> andBits(std::size_t{AndRowBytes(f)} * size, 0x81);
+    return IconImage::Make(f, table, xorBits, andBits);
+}
+
+std::string HexOf(const std::vector<std::uint8_t>& stream) {
+    std::string text(HexTextLength(stream.size()), '\0');
+    WriteHexText(text.data(), stream.data(), stream.size());
+    return text;
+}
+
+std::string TempPath(const char* name) {
+    char folder[MAX_PATH + 1] = {};
+    GetTempPathA(sizeof(folder), folder);
+    return std::string(folder) + name;
+}
+
+void WriteWholeFile(const std::string& path, const std::string& content) {
+    const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                              FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+}
+
+struct Images {
+    std::vector<std::uint8_t> large, small;
+};
+
+// The unavoidable work of reading `path`, timed; the icons made are destroyed untimed.
+double FloorOnce(const std::string& path, const Images& images) {
+    char program[261] = {};
+    GetModuleFileNameA(GetModuleHandleA(nullptr), program, sizeof(program));
+    const double start = Now();
+    std::string text;
+    {
+        const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const UniqueKernelHandle mapping(CreateFileMappingA(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+        const DWORD size = GetFileSize(file.get(), nullptr);
+        const UniqueMappedView view(MapViewOfFileEx(mapping.get(), FILE_MAP_READ, 0, 0, 0, nullptr));
+        text = std::string(program) + " " + std::string(static_cast<const char*>(view.get()), size);
+    }
+    const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
+    std::vector<wchar_t> wide(static_cast<std::size_t>(wideLength));
+    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), wideLength);
+    int argc = 0;
+    const UniqueLocalMemory args(reinterpret_cast<HLOCAL>(CommandLineToArgvW(wide.data(), &argc)));
+    wchar_t** argv = static_cast<wchar_t**>(args.get());
+    std::size_t total = 0;
+    for (int i = 0; i < argc; ++i) total += WideCharToMultiByte(CP_ACP, 0, argv[i], -1, nullptr, 0, nullptr, nullptr);
+    std::vector<char> narrow(total);
+    char* cursor = narrow.data();
+    for (int i = 0; i < argc; ++i)
+        cursor += WideCharToMultiByte(CP_ACP, 0, argv[i], -1, cursor, static_cast<int>(narrow.data() + total - cursor),
+                                      nullptr, nullptr);
+    HICON large = nullptr, small = nullptr;
+    if (!images.large.empty()) {
+        std::vector<std::uint8_t> a = images.large, b = images.small;
+        large = CreateIconFromResourceEx(a.data(), static_cast<DWORD>(a.size()), TRUE, 0x00030000, 0, 0, 0);
+        small = CreateIconFromResourceEx(b.data(), static_cast<DWORD>(b.size()), TRUE, 0x00030000,
+                                         GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), 0);
+    }
+    const double elapsed = Now() - start;
+    if (large) DestroyIcon(large);
+    if (small) DestroyIcon(small);
+    return elapsed;
+}
+
+double ReadOnce(const std::string& path) {
+    auto record = std::make_unique<VQCFileInfo>(path.c_str());
+    const double start = Now();
+    const std::int32_t result = record->Read(path.c_str());
+    const double elapsed = Now() - start;
+    if (result != 0) {
+        std::fprintf(stderr, "Read failed: %lu\n", static_cast<unsigned long>(record->lastError));
+        std::exit(1);
+    }
+    return elapsed;
+}
+
+double Median(std::vector<double> samples) {
+    std::sort(samples.begin(), samples.end());
+    return samples[samples.size() / 2];
+}
+
+// Where Read's time goes: splitting the text into arguments, and walking them.
+void Breakdown(const std::string& path, int iterations) {
+    std::string text;
+    {
+        const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        text.resize(GetFileSize(file.get(), nullptr));
+        DWORD read = 0;
+        ReadFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &read, nullptr);
+    }
+    std::vector<double> split, walk, prepare;
+    for (int i = 0; i < iterations; ++i) {
+        double begin = Now();
+        const std::string line = argument_text::PrepareCommandLine("C:\\prog.exe", true, text.c_str());
+        prepare.push_back(Now() - begin);
+        int argc = 0;
+        char** argv = nullptr;
+        double start = Now();
+        BuildArgumentVector(text.c_str(), &argc, &argv, true, nullptr, nullptr, nullptr);
+        split.push_back(Now() - start);
+        const UniqueLocalMemory block(argv);
+        ConnectionSettings settings;
+        start = Now();
+        LayOptions(argv, argc, settings);
+        walk.push_back(Now() - start);
+    }
+    std::printf("%-34s BuildArgumentVector %9.1f us (of which joining %7.1f us)   option walk %9.1f us\n", "",
+                Median(split) * 1e6, Median(prepare) * 1e6, Median(walk) * 1e6);
+}
+
+// Alternates reader and floor so both see the same machine load; reports medians.
+void Measure(const char* name, const std::string& path, const Images& images, int iterations) {
+    std::vector<double> reads, floors;
+    for (int i = 0; i < iterations; ++i) {
+        reads.push_back(ReadOnce(path));
+        floors.push_back(FloorOnce(path, images));
+    }
+    const double read = Median(reads), floor = Median(floors);
+    const double fastestRead = *std::min_element(reads.begin(), reads.end());
+    const double fastestFloor = *std::min_element(floors.begin(), floors.end());
+    std::printf("%-34s median: Read %9.1f us  floor %9.1f us  ratio %.2f | fastest: Read %9.1f us  floor %9.1f us"
+                "  ratio %.2f  (%d runs)\n",
+                name, read * 1e6, floor * 1e6, read / floor, fastestRead * 1e6, fastestFloor * 1e6,
+                fastestRead / fastestFloor, iterations);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int iterations = argc > 1 ? std::max(1, std::atoi(argv[1])) : 2000;
+
+    const IconImage images[] = {PatternImage(32), PatternImage(16)};
+    const std::vector<std::uint8_t> stream = BuildIconStream(images, 2);
+    const std::string typical = "-h server.example.com -V 5000 -l -c admin@proxy.example.com:3128 -v terminal "
+                                "-u bob \r\n-I \"" + HexOf(stream) + "\" -C bookmarks/main";
+    const std::string typicalPath = TempPath("vqc-benchmark-typical.vqc");
+    WriteWholeFile(typicalPath, typical);
+
+    std::string words = "-h server -C";
+    while (words.size() < (1u << 20)) words += " word" + std::to_string(words.size() % 997);
+    const std::string bigPath = TempPath("vqc-benchmark-1mb.vqc");
+    WriteWholeFile(bigPath, words);
+
+    Images typicalImages{images[0].dib, images[1].dib};
+    for (int warm = 0; warm < 20; ++warm) {
+        ReadOnce(typicalPath);
+        FloorOnce(typicalPath, typicalImages);
+    }
+    Measure(("typical file (" + std::to_string(typical.size()) + " bytes)").c_str(), typicalPath,
+            typicalImages, iterations);
+    Measure(("1 MB -C line (" + std::to_string(words.size()) + " bytes)").c_str(), bigPath, Images{},
+            std::max(5, iterations / 20));
+
+    if (argc > 2) {
+        Breakdown(typicalPath, iterations);
+        Breakdown(bigPath, std::max(5, iterations / 20));
+    }
+
+    DeleteFileA(typicalPath.c_str());
+    DeleteFileA(bigPath.c_str());
+    return 0;
+}
