@@ -62,6 +62,8 @@ namespace {
 // hook: the template's values before any control adjusts its own style or size.
 struct Creation {
     HWND window;
+    HWND parent;
+    int id;
     int x, y, cx, cy;
     std::uint32_t style;
     std::uint32_t exStyle;
@@ -72,16 +74,24 @@ std::vector<Creation>* g_creations = nullptr;
 LRESULT CALLBACK RecordCreation(int code, WPARAM wParam, LPARAM lParam) {
     if (code == HCBT_CREATEWND && g_creations != nullptr) {
         const CREATESTRUCTW* cs = reinterpret_cast<CBT_CREATEWNDW*>(lParam)->lpcs;
-        g_creations->push_back({reinterpret_cast<HWND>(wParam), cs->x, cs->y, cs->cx, cs->cy,
+        g_creations->push_back({reinterpret_cast<HWND>(wParam), cs->hwndParent,
+                                static_cast<int>(reinterpret_cast<INT_PTR>(cs->hMenu)),
+                                cs->x, cs->y, cs->cx, cs->cy,
                                 static_cast<std::uint32_t>(cs->style),
                                 static_cast<std::uint32_t>(cs->dwExStyle)});
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
-const Creation* FindCreation(const std::vector<Creation>& creations, HWND window) {
+// A control's creation, found by its id among the children of the dialog (the first window
+// the hook saw). Controls make children of their own (a combo box's edit has id 1001), so
+// the parent matters. Handles are not compared with the live windows: in the full parallel
+// test run Wine sometimes showed the hook a handle that GetWindow did not return later.
+const Creation* FindCreation(const std::vector<Creation>& creations, int id) {
+    if (creations.empty()) return nullptr;
+    const HWND dialog = creations.front().window;
     for (const Creation& c : creations)
-        if (c.window == window) return &c;
+        if (c.parent == dialog && c.id == id) return &c;
     return nullptr;
 }
 
@@ -142,7 +152,7 @@ void ExpectRealDialogMatchesTable(int index, int language) {
         const bool bordered = (c.style & WS_BORDER) != 0;
         const std::uint32_t createdStyle = bordered ? c.style & ~static_cast<std::uint32_t>(WS_BORDER) : c.style;
         const std::uint32_t createdExStyle = bordered ? WS_EX_CLIENTEDGE : 0;
-        const Creation* created = FindCreation(creations, control);
+        const Creation* created = FindCreation(creations, c.id);
         ASSERT_NE(created, nullptr);
         EXPECT_EQ(created->style, createdStyle) << std::hex << created->style;
         EXPECT_EQ(created->exStyle & ~static_cast<std::uint32_t>(WS_EX_NOPARENTNOTIFY), createdExStyle)

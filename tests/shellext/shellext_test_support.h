@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/win_handles.h"
+#include "tests/connection/test_icons.h"
 #include "tests/registration/registry_test_support.h"
 
 namespace test_support {
@@ -77,21 +78,6 @@ inline std::string HexText(const std::vector<std::uint8_t>& bytes) {
 // A connection file's option line carrying the icons of the given sizes after -I.
 inline std::string ConnectionLineWithIcon(const std::vector<int>& sizes) {
     return "-h server.example -u tester -I \"" + HexText(MakeIconFile(sizes)) + "\" -C bookmark";
-}
-
-// Width and height of an icon's image.
-inline SIZE IconSize(HICON icon) {
-    ICONINFO info{};
-    SIZE size{0, 0};
-    if (!icon || !GetIconInfo(icon, &info)) return size;
-    const UniqueGdiObject colour(info.hbmColor);
-    const UniqueGdiObject mask(info.hbmMask);
-    BITMAP bitmap{};
-    if (GetObjectA(info.hbmMask, sizeof(bitmap), &bitmap)) {
-        size.cx = bitmap.bmWidth;
-        size.cy = info.hbmColor ? bitmap.bmHeight : bitmap.bmHeight / 2;
-    }
-    return size;
 }
 
 inline std::wstring Wide(const std::string& text) {
