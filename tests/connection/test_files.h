@@ -7,6 +7,8 @@
 #include <atomic>
 #include <string>
 
+#include "tests/file_bytes.h"
+
 class TempFile {
 public:
     explicit TempFile(const std::string& tag) {
@@ -27,36 +29,13 @@ public:
 
     const char* path() const { return path_.c_str(); }
 
-    void Write(const std::string& content) const {
-        HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) return;
-        DWORD written = 0;
-        WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
-        CloseHandle(file);
-    }
+    void Write(const std::string& content) const { WriteFileBytes(path_, content); }
 
     // The file's bytes; "<missing>" when it cannot be opened.
-    std::string Content() const {
-        HANDLE file = CreateFileA(path_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) return "<missing>";
-        std::string content(GetFileSize(file, nullptr), '\0');
-        DWORD read = 0;
-        if (!content.empty()) ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
-        CloseHandle(file);
-        content.resize(read);
-        return content;
-    }
+    std::string Content() const { return ReadFileBytes(path_); }
 
     // Whether nobody else holds the file open: it opens with share mode 0.
-    bool OpensExclusively() const {
-        HANDLE file = CreateFileA(path_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) return false;
-        CloseHandle(file);
-        return true;
-    }
+    bool OpensExclusively() const { return ::OpensExclusively(path_); }
 
 private:
     std::string path_;
