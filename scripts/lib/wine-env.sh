@@ -47,3 +47,49 @@ start_wine_server() {
   wineserver -p </dev/null >/dev/null 2>&1 || true
   "$WINE_LOADER" cmd /c exit </dev/null >/dev/null 2>&1 || true
 }
+
+# Wine starts helpers on demand (the desktop, services) and hands them the standard handles
+# of the program that caused them; a test that starts one would leave it holding ctest's
+# pipe. The keeper (tests/harness/desktop_keeper.cpp) brings them up first with /dev/null
+# on every handle and keeps them alive for the whole run; `wineserver -k` at exit ends it.
+start_wine_helpers() {
+  local keeper="$1" ready
+  ready=$(mktemp -u "${TMPDIR:-/tmp}/vqc-keeper-ready.XXXXXX")
+  "$WINE_LOADER" "$keeper" "Z:$(tr / '\\' <<<"$ready")" </dev/null >/dev/null 2>&1 &
+  for _ in $(seq 300); do [ -e "$ready" ] && break; sleep 0.1; done
+  if [ ! -e "$ready" ]; then
+    echo "the desktop keeper did not start" >&2
+    return 1
+  fi
+  rm -f "$ready"
+}
+
+# The processes of this prefix (its server and every Windows program), one PID a line.
+wine_prefix_processes() {
+  local pid
+  for pid in $(ls /proc | grep -E '^[0-9]+$'); do
+    case "$(readlink "/proc/$pid/exe" 2>/dev/null)" in
+      */wine64|*/wine64-preloader|*/wineserver|*/wineserver64) ;;
+      *) continue ;;
+    esac
+    tr '\0' '\n' <"/proc/$pid/environ" 2>/dev/null | grep -qxF "WINEPREFIX=$WINEPREFIX" && echo "$pid"
+  done
+  return 0
+}
+
+# Prints every process of the prefix whose standard handles include a pipe, and fails if
+# there is one: no helper may hold a pipe of whoever started it.
+check_wine_helpers_detached() {
+  local pid fd target status=0
+  for pid in $(wine_prefix_processes); do
+    for fd in 0 1 2; do
+      target=$(readlink "/proc/$pid/fd/$fd" 2>/dev/null) || continue
+      case "$target" in
+        pipe:*|socket:*)
+          echo "$(tr '\0' ' ' <"/proc/$pid/cmdline" 2>/dev/null) (pid $pid) holds $target on fd $fd" >&2
+          status=1 ;;
+      esac
+    done
+  done
+  return $status
+}

@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# Checks of the test runner itself (scripts/wine-run.sh under ctest), one case per test:
+#   runner_check.sh CASE WINE_RUN PREFIX PROBE_DIR
+# PROBE_DIR holds crash_probe.exe, hang_probe.exe, silent_probe.exe and gtest_probe.exe.
+set -uo pipefail
+case_name="$1" wine_run="$2" prefix="$3" probes="$4"
+export WINEPREFIX="$prefix"
+
+fail() { echo "FAIL: $*"; exit 1; }
+
+# run PROGRAM ARGS...: sets $status and $output.
+run() {
+  output=$(bash "$wine_run" "$prefix" "$probes/$1" "${@:2}" 2>&1)
+  status=$?
+  printf '%s\n' "$output"
+}
+
+case "$case_name" in
+  crash)
+    run crash_probe.exe
+    [ "$status" -eq 5 ] || fail "a crash must end with status 5, got $status" ;;
+
+  passed-case)
+    run gtest_probe.exe --gtest_filter=HarnessProbe.Passes
+    [ "$status" -eq 0 ] || fail "a passing test must pass, got $status" ;;
+
+  skipped-case)
+    run gtest_probe.exe --gtest_filter=HarnessProbe.Skips
+    [ "$status" -eq 0 ] || fail "a skipped test is no failure, got $status"
+    grep -q '^\[  SKIPPED \] 1 test' <<<"$output" || fail "the skip must be reported" ;;
+
+  no-test-selected)
+    run gtest_probe.exe --gtest_filter=Nothing.Here
+    [ "$status" -ne 0 ] || fail "a filter that runs no test must fail"
+    grep -q 'ran no test' <<<"$output" || fail "the runner must say why" ;;
+
+  no-output)
+    run silent_probe.exe --gtest_filter=Silent.Case
+    [ "$status" -ne 0 ] || fail "a test program that prints nothing must fail"
+    grep -q 'ran no test' <<<"$output" || fail "the runner must say why" ;;
+
+  hang)
+    # A ctest project of its own with one hanging test and a 3 s limit.
+    work=$(mktemp -d)
+    trap 'rm -rf "$work"' EXIT
+    cat >"$work/CMakeLists.txt" <<CMAKE
+cmake_minimum_required(VERSION 3.25)
+project(hang NONE)
+enable_testing()
+add_test(NAME Hang.Forever COMMAND bash "$wine_run" "$prefix" "$probes/hang_probe.exe" --gtest_filter=Hang.Forever)
+set_tests_properties(Hang.Forever PROPERTIES TIMEOUT 3)
+CMAKE
+    cmake -S "$work" -B "$work/build" >/dev/null || fail "cmake"
+    output=$(ctest --test-dir "$work/build" 2>&1)
+    status=$?
+    printf '%s\n' "$output"
+    [ "$status" -ne 0 ] || fail "a hanging test must fail the run"
+    grep -Eq 'Hang\.Forever \.*\*\*\*Timeout' <<<"$output" || fail "the hang must be reported as a timeout"
+    for _ in $(seq 50); do pgrep -f hang_probe.exe >/dev/null || break; sleep 0.1; done
+    if pgrep -af hang_probe.exe; then fail "the hanging program is still running"; fi ;;
+
+  helpers-detached)
+    # A program that touches the desktop, run the way every test runs; afterwards no
+    # process of the prefix may hold the pipe our output goes to.
+    own=$(readlink /proc/$$/fd/1)
+    bash "$wine_run" "$prefix" "$probes/gtest_probe.exe" --gtest_filter=HarnessProbe.MakesAWindow \
+      || fail "the window probe failed"
+    source "$(dirname "$wine_run")/lib/wine-env.sh"
+    trap - EXIT  # the library's cleanup is for the scripts that start the environment
+    holders=""
+    for pid in $(wine_prefix_processes); do
+      for fd in /proc/"$pid"/fd/*; do
+        [ "$(readlink "$fd" 2>/dev/null)" = "$own" ] && holders+="$(tr '\0' ' ' <"/proc/$pid/cmdline") "
+      done
+    done
+    [ -z "$holders" ] || fail "holding this test's output ($own): $holders"
+    [ -n "$(wine_prefix_processes)" ] || fail "no process of the prefix found: the check saw nothing" ;;
+
+  *) fail "unknown case $case_name" ;;
+esac
+echo "ok: $case_name"
