@@ -66,29 +66,24 @@ start_wine_helpers() {
 
 # The processes of this prefix (its server and every Windows program), one PID a line.
 wine_prefix_processes() {
-  local pid
-  for pid in $(ls /proc | grep -E '^[0-9]+$'); do
-    case "$(readlink "/proc/$pid/exe" 2>/dev/null)" in
-      */wine64|*/wine64-preloader|*/wineserver|*/wineserver64) ;;
-      *) continue ;;
-    esac
-    tr '\0' '\n' <"/proc/$pid/environ" 2>/dev/null | grep -qxF "WINEPREFIX=$WINEPREFIX" && echo "$pid"
+  local exe pid
+  for exe in $(find /proc -mindepth 2 -maxdepth 2 -name exe -lname '/usr/lib/wine/*' 2>/dev/null); do
+    pid=${exe#/proc/}
+    pid=${pid%/exe}
+    grep -qzxF "WINEPREFIX=$WINEPREFIX" "/proc/$pid/environ" 2>/dev/null && echo "$pid"
   done
   return 0
 }
 
-# Prints every process of the prefix whose standard handles include a pipe, and fails if
-# there is one: no helper may hold a pipe of whoever started it.
+# Prints every process of the prefix whose standard handles include a pipe or a socket,
+# and fails if there is one: no helper may hold a pipe of whoever started it.
 check_wine_helpers_detached() {
-  local pid fd target status=0
+  local pid handle status=0
   for pid in $(wine_prefix_processes); do
-    for fd in 0 1 2; do
-      target=$(readlink "/proc/$pid/fd/$fd" 2>/dev/null) || continue
-      case "$target" in
-        pipe:*|socket:*)
-          echo "$(tr '\0' ' ' <"/proc/$pid/cmdline" 2>/dev/null) (pid $pid) holds $target on fd $fd" >&2
-          status=1 ;;
-      esac
+    for handle in $(find "/proc/$pid/fd/0" "/proc/$pid/fd/1" "/proc/$pid/fd/2" \
+                      \( -lname 'pipe:*' -o -lname 'socket:*' \) 2>/dev/null); do
+      echo "$(tr '\0' ' ' <"/proc/$pid/cmdline" 2>/dev/null) (pid $pid) holds $(readlink "$handle") on ${handle##*/}" >&2
+      status=1
     done
   done
   return $status

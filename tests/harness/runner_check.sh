@@ -67,14 +67,10 @@ CMAKE
       || fail "the window probe failed"
     source "$(dirname "$wine_run")/lib/wine-env.sh"
     trap - EXIT  # the library's cleanup is for the scripts that start the environment
-    holders=""
-    for pid in $(wine_prefix_processes); do
-      for fd in /proc/"$pid"/fd/*; do
-        [ "$(readlink "$fd" 2>/dev/null)" = "$own" ] && holders+="$(tr '\0' ' ' <"/proc/$pid/cmdline") "
-      done
-    done
-    [ -z "$holders" ] || fail "holding this test's output ($own): $holders"
-    [ -n "$(wine_prefix_processes)" ] || fail "no process of the prefix found: the check saw nothing" ;;
+    processes=$(wine_prefix_processes)
+    [ -n "$processes" ] || fail "no process of the prefix found: the check saw nothing"
+    holders=$(for pid in $processes; do find "/proc/$pid/fd" -lname "$own" 2>/dev/null; done)
+    [ -z "$holders" ] || fail "holding this test's output ($own): $holders" ;;
 
   *) fail "unknown case $case_name" ;;
 esac
