@@ -40,7 +40,8 @@ void OfferPage(VQCFileInfo* record, LPFNSVADDPROPSHEETPAGE addPage, LPARAM lPara
     if (!handle) throw std::bad_alloc();  // comctl32 could not copy the description
     // From here the sheet's release callback owns the page, if the shell keeps it.
     Page* offered = page.release();
-    if (!addPage(handle, lParam)) delete offered;
+    // Without a callback every page counts as refused.
+    if (!addPage || !addPage(handle, lParam)) delete offered;
 }
 
 // Sets the string's length to that of the zero-terminated text the API left in it.
@@ -144,8 +145,13 @@ STDMETHODIMP VQCProp::AddPages(LPFNSVADDPROPSHEETPAGE addPage, LPARAM lParam) {
             record->clientVersion = ReadClientVersion(clientPath.c_str());
         }
 
-        // A file that cannot be read still gets its pages.
-        record->Read(record->filePath.c_str());
+        // A file that cannot be read still gets its pages, one too large to map included;
+        // only exhausted memory ends the method.
+        try {
+            record->Read(record->filePath.c_str());
+        } catch (const HResultError& error) {
+            if (error.code() == kResultOutOfMemory) throw;
+        }
 
         OfferPage<CVQCConnectionPage>(record.Get(), addPage, lParam);
         if (record->clientVersion >= kProxyPageFromVersion) {

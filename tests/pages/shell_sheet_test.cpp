@@ -95,6 +95,26 @@ TEST(ShellSheetPages, FileThatCannotBeReadStillGetsAllThree) {
     EXPECT_EQ(PageCount(sheet.sheet()), 3);
 }
 
+TEST(ShellSheetPages, FileTooLargeToReadStillGetsAllThree) {
+    DllWithFile setup("too-large");
+    {
+        // Sparse: 2 GiB of nothing, more than the reader takes.
+        const UniqueKernelHandle file(CreateFileA(setup.file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+        ASSERT_TRUE(file);
+        LARGE_INTEGER size;
+        size.QuadPart = 0x80000000LL;
+        ASSERT_TRUE(SetFilePointerEx(file.get(), size, nullptr, FILE_BEGIN));
+        ASSERT_TRUE(SetEndOfFile(file.get()));
+    }
+    ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
+    ASSERT_EQ(sheet.CreateObject(), S_OK);
+    ASSERT_EQ(sheet.Initialize(), S_OK);
+    EXPECT_EQ(sheet.AddPages(), S_OK);
+    EXPECT_EQ(sheet.offered(), 3);
+    DeleteFileA(setup.file.c_str());
+}
+
 TEST(ShellSheetPages, TwoSelectedFilesGetNoPages) {
     DllWithFile setup("two-files");
     WriteFileBytes(setup.dll.File("second.vqc"), kLine);

@@ -183,6 +183,16 @@ TEST(VQCPropAddPages, OffersThreePagesWithoutAClientBesideTheModule) {
     EXPECT_EQ(TheModule().GetLockCount(), locks);
 }
 
+TEST(VQCPropAddPages, WithoutACallbackEveryPageCountsAsRefused) {
+    const LONG locks = TheModule().GetLockCount();
+    {
+        ComPtr<IUnknown> object = NewObject();
+        EXPECT_EQ(As<IShellPropSheetExt>(object, IID_IShellPropSheetExt)->AddPages(nullptr, 0), S_OK);
+        EXPECT_EQ(TheModule().WindowCreation().Count(), 0);
+    }
+    EXPECT_EQ(TheModule().GetLockCount(), locks);
+}
+
 TEST(VQCPropAddPages, WithoutAFileThePagesAreStillOffered) {
     ComPtr<IUnknown> object = NewObject();
     OfferedPages offered;
