@@ -131,8 +131,9 @@ STDMETHODIMP VQCProp::Initialize(PCIDLIST_ABSOLUTE, IDataObject* dataObject, HKE
 }
 
 STDMETHODIMP VQCProp::AddPages(LPFNSVADDPROPSHEETPAGE addPage, LPARAM lParam) {
-    // Pages handed over before a failure stay with the shell.
-    return GuardComCall([&]() -> HRESULT {
+    // Pages handed over before a failure stay with the shell. Exhausted memory is the one
+    // failure with an answer of its own; anything else is E_FAIL.
+    const HRESULT result = GuardComCall([&]() -> HRESULT {
         auto* created = new (std::nothrow) VQCFileInfo(fileName_.c_str());
         if (!created) return E_OUTOFMEMORY;
         // This method's own reference; each page takes one more, and the record dies with
@@ -160,6 +161,7 @@ STDMETHODIMP VQCProp::AddPages(LPFNSVADDPROPSHEETPAGE addPage, LPARAM lParam) {
         OfferPage<CVQCOptionPage>(record.Get(), addPage, lParam);
         return S_OK;
     });
+    return SUCCEEDED(result) || result == E_OUTOFMEMORY ? result : E_FAIL;
 }
 
 STDMETHODIMP VQCProp::ReplacePage(EXPPS, LPFNSVADDPROPSHEETPAGE, LPARAM) { return E_NOTIMPL; }
