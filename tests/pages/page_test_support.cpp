@@ -202,9 +202,23 @@ std::string PageTitle(HWND sheet, int index) {
     return text;
 }
 
+int PageIndex(HWND sheet, const std::string& title) {
+    for (int i = 0; i < PageCount(sheet); ++i) {
+        if (PageTitle(sheet, i) == title) return i;
+    }
+    return -1;
+}
+
 void ShowPage(HWND sheet, int index) {
     SendMessageA(sheet, PSM_SETCURSEL, static_cast<WPARAM>(index), 0);
     PumpMessages();
+}
+
+HWND ShowPageTitled(HWND sheet, const std::string& title) {
+    const int index = PageIndex(sheet, title);
+    if (index < 0) return nullptr;
+    ShowPage(sheet, index);
+    return PageWindow(sheet, index);
 }
 
 BOOL Apply(HWND sheet) {

@@ -176,12 +176,18 @@ HWND CurrentPage(HWND sheet);
 int PageCount(HWND sheet);
 // The text on page index's tab.
 std::string PageTitle(HWND sheet, int index);
+// The index of the page whose tab reads title; -1 when there is none.
+int PageIndex(HWND sheet, const std::string& title);
 // Shows page index as a click on its tab would.
 void ShowPage(HWND sheet, int index);
+// Shows the page whose tab reads title and answers its window; null when there is none.
+HWND ShowPageTitled(HWND sheet, const std::string& title);
 // PSM_APPLY: TRUE when every created page accepted the apply.
 BOOL Apply(HWND sheet);
 // A click on one of the sheet's buttons (IDOK, IDCANCEL, kApplyButtonId).
 void ClickButton(HWND sheet, int id);
+inline void PressOk(HWND sheet) { ClickButton(sheet, IDOK); }
+inline void PressCancel(HWND sheet) { ClickButton(sheet, IDCANCEL); }
 // A modeless sheet that the user closed (OK, Cancel, close box) has no current page.
 bool SheetClosed(HWND sheet);
 // A control of a page window.

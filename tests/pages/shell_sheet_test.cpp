@@ -49,6 +49,10 @@ TEST(ShellSheetPages, Client619GetsConnectionAndOptions) {
     ASSERT_EQ(PageCount(sheet.sheet()), 2);
     EXPECT_EQ(PageTitle(sheet.sheet(), 0), "Connection");
     EXPECT_EQ(PageTitle(sheet.sheet(), 1), "Options");
+    EXPECT_EQ(PageIndex(sheet.sheet(), "Proxy"), -1);
+    const HWND options = ShowPageTitled(sheet.sheet(), "Options");
+    ASSERT_NE(options, nullptr);
+    EXPECT_NE(PageControl(options, 1041), nullptr);
 }
 
 TEST(ShellSheetPages, Client620GetsAllThree) {
@@ -235,7 +239,7 @@ TEST(ShellSheetApply, CancelWritesNothing) {
     ShowPage(sheet.sheet(), 2);
     WriteWatch watch(setup.file);
     for (int i = 0; i < 3; ++i) watch.Watch(PageWindow(sheet.sheet(), i));
-    ClickButton(sheet.sheet(), IDCANCEL);
+    PressCancel(sheet.sheet());
     EXPECT_TRUE(SheetClosed(sheet.sheet()));
     sheet.Destroy();
     EXPECT_EQ(watch.applies(), 0);
