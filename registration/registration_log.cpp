@@ -1,7 +1,6 @@
 #include "registration/registration_log.h"
 
 #include <cstring>
-#include <fstream>
 #include <vector>
 
 #include "common/win_handles.h"
@@ -100,11 +99,16 @@ void RegistrationLog::LogValueSetFailure(HKEY key, const char* valueName, const 
 void RegistrationLog::Flush() noexcept {
     if (fileName_.empty() || messages_.empty()) return;
     try {
-        // Replaces an existing file: each run leaves only its own messages. Bytes are
-        // written as they are, so a line ends in exactly one line feed.
-        std::ofstream file(fileName_, std::ios_base::out | std::ios_base::binary);
-        file << LogFileContents(messages_);
-        file.close();
+        // Replaces an existing file: each run leaves only its own messages. Others may
+        // read and write it meanwhile. Bytes are written as they are, so a line ends in
+        // exactly one line feed.
+        const std::string contents = LogFileContents(messages_);
+        const UniqueKernelHandle file(CreateFileA(fileName_.c_str(), GENERIC_WRITE,
+                                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!file) return;
+        DWORD written = 0;
+        WriteFile(file.get(), contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr);
     } catch (...) {
         // A log that cannot be written loses its messages silently.
     }
