@@ -88,11 +88,13 @@ ProxyPageDisplay DisplayFromRecord(const ConnectionSettings& record) {
     ProxyPageDisplay display;
     display.proxyHost = record.proxyHost;
     if (record.proxyPort != kDefaultProxyPort) {
+        display.proxyPortFilled = true;
         ansi_text::AppendFormat(display.proxyPort, "%d", record.proxyPort);
         display.proxyUser = record.proxyUser;
     }
     display.brokerHost = record.brokerHost;
     if (record.brokerPort != kDefaultBrokerPort) {
+        display.brokerPortFilled = true;
         ansi_text::AppendFormat(display.brokerPort, "%d", record.brokerPort);
         display.dialUpChecked = record.brokerUpperF != 0;
     }

@@ -79,14 +79,18 @@ constexpr bool IsShownForMask(const LayoutRow& row, std::uint32_t selectionMask)
     return (row.mask & selectionMask) != 0;
 }
 
-// What the page's controls show when it opens. The proxy user is shown only together
-// with a proxy port other than 8080, and the dial-up box only together with a broker
-// port other than 14600: a default port hides the user (or the box) as well, on purpose.
+// What the page's controls show when it opens. The proxy port and user are filled in
+// only when the port is not 8080, and the broker port and dial-up box only when the
+// broker port is not 14600: a default port leaves the user empty (or the box unchecked)
+// as well, whatever the record holds. Controls not filled in keep the template's empty
+// text and clear check.
 struct ProxyPageDisplay {
     std::string proxyHost;
+    bool proxyPortFilled = false;  // proxyPort and proxyUser are put into their edits
     std::string proxyPort;
     std::string proxyUser;
     std::string brokerHost;
+    bool brokerPortFilled = false;  // brokerPort and dialUpChecked are put into their controls
     std::string brokerPort;
     bool dialUpChecked = false;
 };

@@ -273,9 +273,11 @@ TEST(ProxyLayoutRows, GroupsNeverShowTogether) {
 TEST(ProxyDisplay, FreshRecordShowsEverythingEmpty) {
     const ProxyPageDisplay display = DisplayFromRecord(ConnectionSettings{});
     EXPECT_EQ(display.proxyHost, "");
+    EXPECT_FALSE(display.proxyPortFilled);
     EXPECT_EQ(display.proxyPort, "");
     EXPECT_EQ(display.proxyUser, "");
     EXPECT_EQ(display.brokerHost, "");
+    EXPECT_FALSE(display.brokerPortFilled);
     EXPECT_EQ(display.brokerPort, "");
     EXPECT_FALSE(display.dialUpChecked);
 }
@@ -287,6 +289,7 @@ TEST(ProxyDisplay, DefaultProxyPortHidesPortAndUser) {
     record.proxyPort = 8080;
     const ProxyPageDisplay display = DisplayFromRecord(record);
     EXPECT_EQ(display.proxyHost, "proxy");
+    EXPECT_FALSE(display.proxyPortFilled);
     EXPECT_EQ(display.proxyPort, "");
     EXPECT_EQ(display.proxyUser, "");
 }
@@ -296,6 +299,7 @@ TEST(ProxyDisplay, OtherProxyPortShowsPortAndUser) {
     record.proxyUser = "admin";
     record.proxyPort = 3128;
     const ProxyPageDisplay display = DisplayFromRecord(record);
+    EXPECT_TRUE(display.proxyPortFilled);
     EXPECT_EQ(display.proxyPort, "3128");
     EXPECT_EQ(display.proxyUser, "admin");
 }
@@ -315,6 +319,7 @@ TEST(ProxyDisplay, DefaultBrokerPortHidesPortAndLeavesBoxUnchecked) {
     record.brokerPort = 14600;
     const ProxyPageDisplay display = DisplayFromRecord(record);
     EXPECT_EQ(display.brokerHost, "broker");
+    EXPECT_FALSE(display.brokerPortFilled);
     EXPECT_EQ(display.brokerPort, "");
     EXPECT_FALSE(display.dialUpChecked);
 }
@@ -324,6 +329,7 @@ TEST(ProxyDisplay, OtherBrokerPortShowsPortAndBox) {
     record.brokerUpperF = 1;
     record.brokerPort = 3000;
     ProxyPageDisplay display = DisplayFromRecord(record);
+    EXPECT_TRUE(display.brokerPortFilled);
     EXPECT_EQ(display.brokerPort, "3000");
     EXPECT_TRUE(display.dialUpChecked);
     record.brokerUpperF = 0;
