@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "pages/property_page.h"
+#include "pages/proxy_page_rules.h"
 #include "pages/resize_layout.h"
 
 class CVQCProxyPage final : public CVQCPropertyPageImpl<CVQCProxyPage> {
@@ -25,4 +26,24 @@ private:
 
     // The page's own message entries, tried before resizing and the sheet notifications.
     bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+
+    void OnInitDialog();
+    // True when the command is one of the page's own; the record changes only with a
+    // record and only for what the user does, not while the page fills its controls.
+    bool OnCommand(int controlId, int code);
+    void FillRouteList();
+    // Shows the group of the selected route and hides the other.
+    void ApplyLayout();
+
+    HWND routeList_ = nullptr;
+    HWND proxyHostEdit_ = nullptr;
+    HWND proxyUserEdit_ = nullptr;
+    HWND proxyPortEdit_ = nullptr;
+    HWND brokerHostEdit_ = nullptr;
+    HWND brokerPortEdit_ = nullptr;
+    HWND dialUpCheckBox_ = nullptr;
+    RouteListIndices routeIndices_;
+    // Set while WM_INITDIALOG puts the record's values into the edits: the edit-change
+    // notifications that setting a text sends are not the user's edits.
+    bool filling_ = false;
 };
