@@ -214,6 +214,13 @@ std::int32_t ServicePortFromText(std::string_view text) noexcept {
     return ansi_text::ParseDecimal(text);
 }
 
+std::string SiblingPath(std::string_view modulePath, std::string_view fileName) {
+    const std::size_t separator = modulePath.find_last_of("\\/");
+    std::string path(separator == std::string_view::npos ? std::string_view{} : modulePath.substr(0, separator + 1));
+    path += fileName;
+    return path;
+}
+
 std::vector<std::string> ServerList(std::vector<std::string> recentHosts, const std::string& host) {
     if (!host.empty() && std::find(recentHosts.begin(), recentHosts.end(), host) == recentHosts.end())
         recentHosts.push_back(host);

@@ -240,6 +240,11 @@ std::string ServicePortText(std::int32_t servicePort, bool encrypt);
 // The port an edit's text stands for: -1 for an empty edit, else atoi's value.
 std::int32_t ServicePortFromText(std::string_view text) noexcept;
 
+// The file that "vserver.dll" would be beside this module: the module's path with the part
+// after its last backslash or slash replaced by the name (the whole path when it has neither).
+std::string SiblingPath(std::string_view modulePath, std::string_view fileName);
+constexpr char kServerModuleName[] = "vserver.dll";
+
 // The server list: the recent hosts in their order, then the file's host when it is not
 // empty and not already listed (exact match).
 std::vector<std::string> ServerList(std::vector<std::string> recentHosts, const std::string& host);

@@ -593,3 +593,22 @@ TEST(ServerList, MatchIsExactSoCaseDiffersIsAnotherHost) {
     EXPECT_EQ(ServerList({"Server"}, "server"), (std::vector<std::string>{"Server", "server"}));
     EXPECT_EQ(ServerList({"server "}, "server"), (std::vector<std::string>{"server ", "server"}));
 }
+
+TEST(ServerModulePath, ReplacesTheModulesNameAfterTheLastBackslash) {
+    EXPECT_EQ(SiblingPath("C:\\Program Files\\VOXA\\vqcprop64.dll", kServerModuleName),
+              "C:\\Program Files\\VOXA\\vserver.dll");
+}
+
+TEST(ServerModulePath, ForwardSlashCountsAsASeparatorToo) {
+    EXPECT_EQ(SiblingPath("Z:/build/dir\\sub/vqcprop64.dll", "vserver.dll"), "Z:/build/dir\\sub/vserver.dll");
+    EXPECT_EQ(SiblingPath("Z:\\a/b\\vqcprop64.dll", "vserver.dll"), "Z:\\a/b\\vserver.dll");
+}
+
+TEST(ServerModulePath, PathWithoutSeparatorIsReplacedWhole) {
+    EXPECT_EQ(SiblingPath("vqcprop64.dll", "vserver.dll"), "vserver.dll");
+    EXPECT_EQ(SiblingPath("", "vserver.dll"), "vserver.dll");
+}
+
+TEST(ServerModulePath, TrailingSeparatorKeepsTheWholeDirectory) {
+    EXPECT_EQ(SiblingPath("C:\\dir\\", "vserver.dll"), "C:\\dir\\vserver.dll");
+}
