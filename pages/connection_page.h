@@ -1,11 +1,16 @@
 // CVQCConnectionPage: the "Connection" page of a connection file's sheet: connection type,
 // server, login and login type, local command line, service, bookmark and answer back.
+// What it offers, shows and enables comes from connection_page_rules.h; this class only
+// carries those rules out on its controls and copies the user's edits into the record.
 #pragma once
 
 #include <windows.h>
 
+#include <array>
 #include <cstdint>
+#include <optional>
 
+#include "pages/connection_page_rules.h"
 #include "pages/property_page.h"
 #include "pages/resize_layout.h"
 
@@ -20,9 +25,61 @@ public:
 
     static const ResizeMapEntry* ResizeMap() noexcept;
 
+    // The list position of each entry after the lists were filled; -1 when not added.
+    const connection_page::ConnectionTypeIndices& ConnectionTypeIndex() const noexcept { return connectionTypeIndex_; }
+    const connection_page::LoginTypeIndices& LoginTypeIndex() const noexcept { return loginTypeIndex_; }
+
 private:
     friend class CVQCPropertyPageImpl<CVQCConnectionPage>;
 
     // The page's own message entries, tried before resizing and the sheet notifications.
     bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+
+    void OnInitDialog();
+    // True for the commands of the page's map (handled even when nothing is done).
+    bool OnCommand(int id, int code);
+
+    void FillLoginTypeList();
+    void FillConnectionTypeList();
+    void FillServerList();
+    void FillFromRecord();
+
+    void OnConnectionTypeChanged();
+    void OnLoginTypeChanged();
+    void OnServerSelected();
+    void OnServerEdited();
+    void OnTextEdited(const connection_page::TextEditField& edit);
+    void OnServicePortEdited();
+    void OnCheckBoxClicked(const connection_page::CheckBoxField& box);
+
+    void ApplyLayoutRule();
+    void ApplyLoginTypeRule();
+
+    connection_page::ConnectionType SelectedConnectionType() const;
+    std::optional<connection_page::LoginType> SelectedLoginType() const;
+
+    // Sets a control's text as the page's own doing: its change notification is no edit.
+    void ShowText(HWND control, const std::string& text);
+    // A user's edit reached the record: mark it (unless told not to) and enable Apply.
+    void RecordChanged(bool setsModified);
+
+    HWND Handle(int id) const noexcept;
+
+    // The controls the page works on, looked up once when the window is made.
+    static constexpr std::array<int, 13> kHandleIds = {
+        connection_page::kConnectionTypeList, connection_page::kServerBox,
+        connection_page::kLoginTypeList,      connection_page::kLoginEdit,
+        connection_page::kDiscoveryLoginEdit, connection_page::kCommandLineEdit,
+        connection_page::kStartDirectoryEdit, connection_page::kBookmarkEdit,
+        connection_page::kServiceNameEdit,    connection_page::kEncryptionCheck,
+        connection_page::kLegacyProtocolCheck, connection_page::kAnswerBackEdit,
+        connection_page::kServicePortEdit,
+    };
+    std::array<HWND, kHandleIds.size()> handles_{};
+
+    connection_page::ConnectionTypeIndices connectionTypeIndex_{-1, -1, -1};
+    connection_page::LoginTypeIndices loginTypeIndex_{-1, -1, -1, -1, -1, -1};
+
+    // Set while the page itself writes into its controls.
+    bool filling_ = false;
 };

@@ -69,6 +69,23 @@ private:
     PrivateKey key_;
 };
 
+// HKEY_CURRENT_USER redirected to a private key while the object lives, for code that reads
+// fixed keys of the user's hive while other test processes share the registry.
+class PrivateCurrentUser {
+public:
+    explicit PrivateCurrentUser(const std::string& tag) : key_(tag) {
+        RegOverridePredefKey(HKEY_CURRENT_USER, key_.get());
+    }
+    ~PrivateCurrentUser() { RegOverridePredefKey(HKEY_CURRENT_USER, nullptr); }
+    PrivateCurrentUser(const PrivateCurrentUser&) = delete;
+    PrivateCurrentUser& operator=(const PrivateCurrentUser&) = delete;
+
+    HKEY get() const { return key_.get(); }
+
+private:
+    PrivateKey key_;
+};
+
 inline bool KeyExists(HKEY root, const std::string& path) {
     HKEY key = nullptr;
     if (RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;

@@ -139,6 +139,14 @@ TEST(ClientVersion, SixNineteenFiveGives619) {
     EXPECT_EQ(ReadClientVersion(FixturePath("client_6_19_5").c_str()), 619);
 }
 
+TEST(ClientVersion, FixturesAtThePageGatesReadAsTheirNumbers) {
+    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_20").c_str()), 620);
+    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_64").c_str()), 664);
+    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_65").c_str()), 665);
+    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_89").c_str()), 689);
+    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_90").c_str()), 690);
+}
+
 TEST(ClientVersion, OnlyAnotherLanguageBlockGives726) {
     EXPECT_EQ(ReadClientVersion(FixturePath("client_other_block").c_str()), 726);
 }

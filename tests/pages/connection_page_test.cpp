@@ -1,0 +1,853 @@
+// The Connection page linked into the test program, on real records in real modeless
+// sheets, driven with the messages a user's clicks and keys send; Apply writes the file
+// and the tests compare its bytes. Linked in, a test can look at the record itself.
+#include "pages/connection_page.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+
+#include "shellext/vqcprop_module.h"
+#include "tests/pages/page_test_support.h"
+#include "tests/pages/sheet_input.h"
+#include "tests/shellext/shellext_test_support.h"
+
+using namespace page_test;
+using namespace connection_page;
+using test_support::PrivateCurrentUser;
+
+namespace {
+
+constexpr char kRemote[] = "Connect to remote server";
+constexpr char kLocal[] = "Connect locally";
+constexpr char kDiscovery[] = "Discover service";
+constexpr char kAlwaysRequirePassword[] = "Always require password";
+constexpr char kCachePassword[] = "Cache password";
+constexpr char kTextWindow[] = "Text window on connect";
+constexpr char kNtDomain[] = "NT domain authentication";
+constexpr char kNtNoLogon[] = "NT no logon";
+constexpr char kWindowsDomain[] = "Use Windows domain credentials";
+
+// The domain check's answers for the records of this process.
+int g_domainQuestions = 0;
+BOOLEAN WINAPI InDomain(int, LPSTR, PULONG) {
+    ++g_domainQuestions;
+    return TRUE;
+}
+BOOLEAN WINAPI NotInDomain(int, LPSTR, PULONG) {
+    ++g_domainQuestions;
+    return FALSE;
+}
+
+// The domain check answers as told while the object lives.
+class DomainAnswer {
+public:
+    explicit DomainAnswer(DomainNameQuery query) : previous_(SetDomainNameQuery(query)) { g_domainQuestions = 0; }
+    ~DomainAnswer() { SetDomainNameQuery(previous_); }
+
+private:
+    DomainNameQuery previous_;
+};
+
+// This module, as the page sees it, is a copy of a stand-in DLL in a folder of its own,
+// with "vserver.dll" beside it when asked.
+class ModuleStandIn {
+public:
+    ModuleStandIn(const std::string& tag, bool withVServer) : folder_(tag) {
+        const std::string copy = folder_.File("vqcprop64.dll");
+        CopyFileA(ClientFixturePath("client_7").c_str(), copy.c_str(), FALSE);
+        if (withVServer) WriteFileBytes(folder_.File("vserver.dll"), "");
+        module_.reset(LoadLibraryA(copy.c_str()));
+        previous_ = TheModule().instance;
+        if (module_) TheModule().instance = module_.get();
+    }
+    ~ModuleStandIn() { TheModule().instance = previous_; }
+    bool Ready() const { return static_cast<bool>(module_); }
+
+private:
+    TempFolder folder_;
+    UniqueModule module_;
+    HINSTANCE previous_ = nullptr;
+};
+
+// A connection file with the given text, read into a record whose client has the given
+// version, and the Connection page around it in a modeless sheet.
+class ConnectionSheet {
+public:
+    ConnectionSheet(const std::string& tag, const std::string& text, std::int32_t clientVersion = 726)
+        : folder_(tag), file_(folder_.File("connection.vqc")) {
+        WriteFileBytes(file_, text);
+        record_ = ComPtr<VQCFileInfo>(new VQCFileInfo(file_.c_str()));
+        record_->clientVersion = clientVersion;
+        record_->Read(file_.c_str());
+        Open(record_.Get());
+    }
+    // A page made without a record.
+    explicit ConnectionSheet(const std::string& tag) : folder_(tag), file_(folder_.File("connection.vqc")) {
+        Open(nullptr);
+    }
+    ~ConnectionSheet() { sheet_.Destroy(); }
+
+    bool Ready() const { return page_ != nullptr && window_ != nullptr; }
+    HWND sheet() const { return sheet_.sheet(); }
+    HWND page() const { return window_; }
+    CVQCConnectionPage* object() const { return page_; }
+    VQCFileInfo* record() const { return record_.Get(); }
+    const std::string& file() const { return file_; }
+    HWND Control(int id) const { return PageControl(window_, id); }
+
+    // Apply, then the file's bytes.
+    std::string Applied() {
+        EXPECT_TRUE(Apply(sheet()));
+        return ReadFileBytes(file_);
+    }
+
+private:
+    void Open(VQCFileInfo* record) {
+        page_ = sheet_.Add<CVQCConnectionPage>(record, "Connection");
+        if (!page_) return;
+        sheet_.Show();
+        window_ = PageWindow(sheet(), 0);
+    }
+
+    TempFolder folder_;
+    std::string file_;
+    ComPtr<VQCFileInfo> record_;
+    DirectSheet sheet_;
+    CVQCConnectionPage* page_ = nullptr;
+    HWND window_ = nullptr;
+};
+
+void AddRecentHost(const std::string& name) {
+    test_support::CreateKey(HKEY_CURRENT_USER, std::string("SOFTWARE\\Marrowby\\VClient\\RecentHosts\\") + name);
+}
+
+std::vector<int> AllControls() {
+    std::vector<int> ids;
+    for (int id = kFirstControlId; id <= kLastControlId; ++id) ids.push_back(id);
+    return ids;
+}
+
+std::set<int> ShownControls(const ConnectionSheet& sheet) {
+    std::set<int> shown;
+    for (int id : AllControls())
+        if (Shown(sheet.Control(id))) shown.insert(id);
+    return shown;
+}
+
+std::set<int> DisabledControls(const ConnectionSheet& sheet) {
+    std::set<int> disabled;
+    for (int id : AllControls())
+        if (!Enabled(sheet.Control(id))) disabled.insert(id);
+    return disabled;
+}
+
+const std::set<int> kEveryControl = {1001, 1002, 1003, 1004, 1005, 1006, 1007, 1008, 1009, 1010, 1011, 1012,
+                                     1013, 1014, 1015, 1016, 1017, 1018, 1019, 1020, 1021, 1022, 1023, 1024};
+const std::set<int> kRemoteLayout = {1001, 1002, 1009, 1010, 1024, 1005, 1006, 1007, 1008,
+                                     1023, 1021, 1022, 1017, 1018, 1019, 1020, 1015, 1016};
+const std::set<int> kDiscoveryLayout = {1001, 1002, 1003, 1004};
+const std::set<int> kLocalLayout = {1001, 1002, 1011, 1012, 1013, 1014, 1019, 1020, 1015, 1016};
+
+std::set<int> Without(std::set<int> set, std::initializer_list<int> ids) {
+    for (int id : ids) set.erase(id);
+    return set;
+}
+
+}  // namespace
+
+// ---- Opening ---------------------------------------------------------------------------
+
+TEST(ConnectionPage, OpeningNeitherMarksTheRecordNorEnablesApply) {
+    PrivateCurrentUser user("cp-open-clean");
+    ConnectionSheet sheet("cp-open-clean", "-h server.example -u tester -v svc -V 8000 -a answer -C bookmark");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(sheet.record()->modified, 0);
+    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.record()->login, "tester");
+    EXPECT_EQ(sheet.record()->servicePort, 8000);
+}
+
+TEST(ConnectionPage, FillsEveryRemoteControlFromTheRecord) {
+    PrivateCurrentUser user("cp-fill-remote");
+    ConnectionSheet sheet("cp-fill-remote", "-h server.example -u tester -v svc -V 8000 -a answer -C book mark");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(SelectedItem(sheet.Control(kConnectionTypeList)), kRemote);
+    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "server.example");
+    EXPECT_EQ(SelectedItem(sheet.Control(kLoginTypeList)), kAlwaysRequirePassword);
+    EXPECT_EQ(WindowText(sheet.Control(kLoginEdit)), "tester");
+    EXPECT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "tester");
+    EXPECT_EQ(WindowText(sheet.Control(kServiceNameEdit)), "svc");
+    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "8000");
+    EXPECT_EQ(WindowText(sheet.Control(kBookmarkEdit)), "book mark");
+    EXPECT_EQ(WindowText(sheet.Control(kAnswerBackEdit)), "answer");
+    EXPECT_EQ(WindowText(sheet.Control(kCommandLineEdit)), "");
+    EXPECT_EQ(WindowText(sheet.Control(kStartDirectoryEdit)), "");
+    EXPECT_FALSE(Checked(sheet.Control(kEncryptionCheck)));
+    EXPECT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck))) << "a file without -M or -K";
+}
+
+TEST(ConnectionPage, FillsTheChecksFromEncryptAndTheLegacyProtocol) {
+    PrivateCurrentUser user("cp-fill-checks");
+    ConnectionSheet sheet("cp-fill-checks", "-h server.example -l -M");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_TRUE(Checked(sheet.Control(kEncryptionCheck)));
+    EXPECT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
+}
+
+TEST(ConnectionPage, FillsTheLocalControlsFromTheRecord) {
+    PrivateCurrentUser user("cp-fill-local");
+    ModuleStandIn module("cp-fill-local-module", true);
+    ASSERT_TRUE(module.Ready());
+    ConnectionSheet sheet("cp-fill-local", "-d target -S \"C:\\start dir\"");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(SelectedItem(sheet.Control(kConnectionTypeList)), kLocal);
+    EXPECT_EQ(WindowText(sheet.Control(kCommandLineEdit)), "target");
+    EXPECT_EQ(WindowText(sheet.Control(kStartDirectoryEdit)), "C:\\start dir");
+    EXPECT_EQ(ShownControls(sheet), kLocalLayout);
+}
+
+TEST(ConnectionPage, OptionKAndLocalConnectTogetherSelectConnectLocally) {
+    PrivateCurrentUser user("cp-k-and-d");
+    ModuleStandIn module("cp-k-and-d-module", true);
+    ASSERT_TRUE(module.Ready());
+    ConnectionSheet sheet("cp-k-and-d", "-K -d target", 690);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_EQ(sheet.record()->optionK, 1);
+    ASSERT_EQ(sheet.record()->localConnect, 1);
+    EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)),
+              (std::vector<std::string>{kLocal, kRemote, kDiscovery}));
+    EXPECT_EQ(SelectedItem(sheet.Control(kConnectionTypeList)), kLocal);
+    EXPECT_EQ(ShownControls(sheet), kLocalLayout);
+}
+
+TEST(ConnectionPage, KeepsEachEntrysPositionFoundByItsText) {
+    PrivateCurrentUser user("cp-indices");
+    ModuleStandIn module("cp-indices-module", true);
+    ASSERT_TRUE(module.Ready());
+    ConnectionSheet sheet("cp-indices", "-h h", 689);
+    ASSERT_TRUE(sheet.Ready());
+    // The sorted list puts "Connect locally" first.
+    EXPECT_EQ(sheet.object()->ConnectionTypeIndex(), (ConnectionTypeIndices{1, 0, 2}));
+    EXPECT_EQ(sheet.object()->LoginTypeIndex(), (LoginTypeIndices{0, 1, 2, 3, 4, -1}));
+}
+
+TEST(ConnectionPage, EntriesNotAddedKeepPositionMinusOne) {
+    PrivateCurrentUser user("cp-indices-missing");
+    DomainAnswer domain(NotInDomain);
+    ConnectionSheet sheet("cp-indices-missing", "-h h", 690);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(sheet.object()->ConnectionTypeIndex(), (ConnectionTypeIndices{0, -1, 1}));
+    EXPECT_EQ(sheet.object()->LoginTypeIndex(), (LoginTypeIndices{0, 1, 2, -1, -1, -1}));
+}
+
+TEST(ConnectionPage, OptionKSelectsDiscoverServiceFrom665) {
+    PrivateCurrentUser user("cp-k");
+    ConnectionSheet sheet("cp-k", "-K -u finder", 665);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(SelectedItem(sheet.Control(kConnectionTypeList)), kDiscovery);
+    EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
+    EXPECT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "finder");
+}
+
+TEST(ConnectionPage, LocalFileWithoutVServerOpensWithNoTypeAndTheDiscoveryLayout) {
+    PrivateCurrentUser user("cp-local-missing");
+    ConnectionSheet sheet("cp-local-missing", "-d target");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)), (std::vector<std::string>{kRemote, kDiscovery}));
+    EXPECT_EQ(ListSelection(sheet.Control(kConnectionTypeList)), CB_ERR);
+    // No selection counts as the discovery mask, which also enables the remote login edit.
+    EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
+    EXPECT_TRUE(Enabled(sheet.Control(kLoginEdit)));
+}
+
+TEST(ConnectionPage, TheOpeningLoginTypeEnablesNothingUntilItIsChanged) {
+    PrivateCurrentUser user("cp-open-login");
+    ConnectionSheet sheet("cp-open-login", "-h server.example -L", 689);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(SelectedItem(sheet.Control(kLoginTypeList)), kNtNoLogon);
+    EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
+    SelectItem(sheet.Control(kLoginTypeList), kNtNoLogon);
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1023, 1024}));
+}
+
+TEST(ConnectionPage, LoginTypeSelectedByItsPriority) {
+    PrivateCurrentUser user("cp-login-priority");
+    {
+        ConnectionSheet sheet("cp-login-r", "-h h -L -N -R", 689);
+        ASSERT_TRUE(sheet.Ready());
+        EXPECT_EQ(SelectedItem(sheet.Control(kLoginTypeList)), kCachePassword);
+    }
+    {
+        ConnectionSheet sheet("cp-login-n", "-h h -L -N", 689);
+        ASSERT_TRUE(sheet.Ready());
+        EXPECT_EQ(SelectedItem(sheet.Control(kLoginTypeList)), kNtDomain);
+    }
+    {
+        // -N with -M reads as domain credentials, which a client before 690 does not list.
+        ConnectionSheet sheet("cp-login-nm", "-h h -N -M -L", 689);
+        ASSERT_TRUE(sheet.Ready());
+        EXPECT_EQ(ListSelection(sheet.Control(kLoginTypeList)), CB_ERR);
+    }
+}
+
+// ---- Service port --------------------------------------------------------------------
+
+TEST(ConnectionPage, Port790WithoutEncryptionShowsEmpty) {
+    PrivateCurrentUser user("cp-port-790");
+    ConnectionSheet sheet("cp-port-790", "-h h -V 790");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(sheet.record()->servicePort, 790);
+    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "");
+}
+
+TEST(ConnectionPage, Port4790WithEncryptionShowsEmpty) {
+    PrivateCurrentUser user("cp-port-4790");
+    ConnectionSheet sheet("cp-port-4790", "-h h -l -V 4790");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "");
+}
+
+TEST(ConnectionPage, Port790WithEncryptionIsShown) {
+    PrivateCurrentUser user("cp-port-790-l");
+    ConnectionSheet sheet("cp-port-790-l", "-h h -l -V 790");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "790");
+}
+
+TEST(ConnectionPage, Port4790WithoutEncryptionIsShown) {
+    PrivateCurrentUser user("cp-port-4790-plain");
+    ConnectionSheet sheet("cp-port-4790-plain", "-h h -V 4790");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "4790");
+}
+
+TEST(ConnectionPage, ClearingThePortEditStoresNotGiven) {
+    PrivateCurrentUser user("cp-port-clear");
+    ConnectionSheet sheet("cp-port-clear", "-h h -v svc -V 8000");
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kServicePortEdit), "");
+    EXPECT_EQ(sheet.record()->servicePort, -1);
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Applied(), "-h h -v svc ");
+}
+
+TEST(ConnectionPage, PortEditIsReadAsDecimal) {
+    PrivateCurrentUser user("cp-port-type");
+    ConnectionSheet sheet("cp-port-type", "-h h -v svc");
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kServicePortEdit), "4321");
+    EXPECT_EQ(sheet.record()->servicePort, 4321);
+    EXPECT_EQ(sheet.Applied(), "-h h -V 4321 -v svc ");
+}
+
+TEST(ConnectionPage, PortEditTakesLeadingDigitsAsAtoiDoes) {
+    PrivateCurrentUser user("cp-port-atoi");
+    ConnectionSheet sheet("cp-port-atoi", "-h h -v svc");
+    ASSERT_TRUE(sheet.Ready());
+    // The edit admits digits only from the keyboard; text set otherwise still arrives.
+    TypeText(sheet.Control(kServicePortEdit), "81x9");
+    EXPECT_EQ(sheet.record()->servicePort, 81);
+    EXPECT_EQ(sheet.Applied(), "-h h -V 81 -v svc ");
+}
+
+// ---- Check boxes -----------------------------------------------------------------------
+
+TEST(ConnectionPage, TogglingLegacyProtocolEnablesApplyButLeavesModified) {
+    PrivateCurrentUser user("cp-legacy");
+    ConnectionSheet sheet("cp-legacy", "-h h -v svc", 665);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(Shown(sheet.Control(kLegacyProtocolCheck)));
+    ASSERT_EQ(sheet.record()->noOptionM, 1);
+    ASSERT_FALSE(ApplyEnabled(sheet.sheet()));
+    Click(sheet.Control(kLegacyProtocolCheck));
+    EXPECT_EQ(sheet.record()->noOptionM, 0);
+    EXPECT_EQ(sheet.record()->modified, 0);
+    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Applied(), "-h h -M -v svc ");
+    Click(sheet.Control(kLegacyProtocolCheck));
+    EXPECT_EQ(sheet.record()->noOptionM, 1);
+    EXPECT_EQ(sheet.record()->modified, 0);
+    EXPECT_EQ(sheet.Applied(), "-h h -v svc ");
+}
+
+TEST(ConnectionPage, LegacyProtocolClickLeavesASetModifiedSet) {
+    PrivateCurrentUser user("cp-legacy-set");
+    ConnectionSheet sheet("cp-legacy-set", "-h h -v svc", 665);
+    ASSERT_TRUE(sheet.Ready());
+    sheet.record()->modified = 1;
+    Click(sheet.Control(kLegacyProtocolCheck));
+    EXPECT_EQ(sheet.record()->modified, 1);
+}
+
+TEST(ConnectionPage, EncryptionClickSetsEncryptAndModified) {
+    PrivateCurrentUser user("cp-encrypt");
+    ConnectionSheet sheet("cp-encrypt", "-h h");
+    ASSERT_TRUE(sheet.Ready());
+    Click(sheet.Control(kEncryptionCheck));
+    EXPECT_EQ(sheet.record()->encrypt, 1);
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Applied(), "-h h -l ");
+    Click(sheet.Control(kEncryptionCheck));
+    EXPECT_EQ(sheet.record()->encrypt, 0);
+    EXPECT_EQ(sheet.Applied(), "-h h ");
+}
+
+// ---- Texts -----------------------------------------------------------------------------
+
+TEST(ConnectionPage, RemoteLoginEditStoresTheTrimmedLogin) {
+    PrivateCurrentUser user("cp-login");
+    ConnectionSheet sheet("cp-login", "-h h -u tester");
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kLoginEdit), "  new user \t");
+    EXPECT_EQ(sheet.record()->login, "new user");
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "tester") << "the other edit follows later";
+    EXPECT_EQ(sheet.Applied(), "-h h -u \"new user\" ");
+}
+
+TEST(ConnectionPage, DiscoveryLoginEditStoresTheTrimmedLogin) {
+    PrivateCurrentUser user("cp-login-k");
+    ConnectionSheet sheet("cp-login-k", "-K -u finder", 665);
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kDiscoveryLoginEdit), " seeker ");
+    EXPECT_EQ(sheet.record()->login, "seeker");
+    EXPECT_EQ(sheet.Applied(), "-K -u seeker ");
+}
+
+TEST(ConnectionPage, ServiceNameBookmarkAndAnswerBackAreTrimmedIntoTheRecord) {
+    PrivateCurrentUser user("cp-texts");
+    ConnectionSheet sheet("cp-texts", "-h h");
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kServiceNameEdit), " svc ");
+    TypeText(sheet.Control(kBookmarkEdit), "  run  this  ");
+    ReplaceText(sheet.Control(kAnswerBackEdit), "\r\nback\r\n");
+    EXPECT_EQ(sheet.record()->serviceName, "svc");
+    EXPECT_EQ(sheet.record()->commandLine, "run  this");
+    EXPECT_EQ(sheet.record()->answerBack, "back");
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Applied(), "-h h -v svc -a back -C run  this");
+}
+
+TEST(ConnectionPage, LocalCommandLineAndStartDirectoryAreTrimmedIntoTheRecord) {
+    PrivateCurrentUser user("cp-local-texts");
+    ModuleStandIn module("cp-local-texts-module", true);
+    ASSERT_TRUE(module.Ready());
+    ConnectionSheet sheet("cp-local-texts", "-d old");
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kCommandLineEdit), " app.exe ");
+    TypeText(sheet.Control(kStartDirectoryEdit), "  C:\\work dir ");
+    EXPECT_EQ(sheet.record()->localTarget, "app.exe");
+    EXPECT_EQ(sheet.record()->startDirectory, "C:\\work dir");
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Applied(), "-d app.exe -S \"C:\\work dir\" ");
+}
+
+TEST(ConnectionPage, EmptiedTextsAreStoredEmpty) {
+    PrivateCurrentUser user("cp-empty-texts");
+    ConnectionSheet sheet("cp-empty-texts", "-h h -u tester -v svc -a back -C mark");
+    ASSERT_TRUE(sheet.Ready());
+    for (int id : {kLoginEdit, kServiceNameEdit, kBookmarkEdit}) TypeText(sheet.Control(id), "");
+    ReplaceText(sheet.Control(kAnswerBackEdit), "");
+    EXPECT_EQ(sheet.Applied(), "-h h ");
+}
+
+// ---- Server --------------------------------------------------------------------------
+
+TEST(ConnectionPage, TypingAServerStoresTheTrimmedHost) {
+    PrivateCurrentUser user("cp-server-type");
+    ConnectionSheet sheet("cp-server-type", "-h old.example");
+    ASSERT_TRUE(sheet.Ready());
+    TypeIntoCombo(sheet.Control(kServerBox), "  typed.example ");
+    EXPECT_EQ(sheet.record()->host, "typed.example");
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Applied(), "-h typed.example ");
+}
+
+TEST(ConnectionPage, PickingARecentServerStoresItsName) {
+    PrivateCurrentUser user("cp-server-pick");
+    AddRecentHost("alpha.example");
+    AddRecentHost("beta.example");
+    ConnectionSheet sheet("cp-server-pick", "-h old.example");
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kServerBox), "beta.example"));
+    EXPECT_EQ(sheet.record()->host, "beta.example");
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Applied(), "-h beta.example ");
+}
+
+TEST(ConnectionPage, RecentServerNamesAreTrimmedWhenPicked) {
+    PrivateCurrentUser user("cp-server-pick-trim");
+    AddRecentHost(" spaced.example ");
+    ConnectionSheet sheet("cp-server-pick-trim", "-h old.example");
+    ASSERT_TRUE(sheet.Ready());
+    SelectItem(sheet.Control(kServerBox), 0);
+    EXPECT_EQ(sheet.record()->host, "spaced.example");
+}
+
+TEST(ConnectionPage, ServerListHoldsRecentHostsInEnumerationOrderThenTheFilesHost) {
+    PrivateCurrentUser user("cp-recent-order");
+    AddRecentHost("zeta.example");
+    AddRecentHost("alpha.example");
+    ConnectionSheet sheet("cp-recent-order", "-h file.example");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)),
+              (std::vector<std::string>{"alpha.example", "zeta.example", "file.example"}));
+    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "file.example");
+}
+
+TEST(ConnectionPage, FilesHostAlreadyRecentIsListedOnce) {
+    PrivateCurrentUser user("cp-recent-once");
+    AddRecentHost("zeta.example");
+    AddRecentHost("alpha.example");
+    ConnectionSheet sheet("cp-recent-once", "-h zeta.example");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{"alpha.example", "zeta.example"}));
+    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "zeta.example");
+}
+
+TEST(ConnectionPage, MissingRecentHostsKeyListsOnlyTheFilesHost) {
+    PrivateCurrentUser user("cp-recent-missing");
+    ConnectionSheet sheet("cp-recent-missing", "-h only.example");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{"only.example"}));
+}
+
+TEST(ConnectionPage, NoHostAndNoRecentHostsLeaveTheServerListEmpty) {
+    PrivateCurrentUser user("cp-recent-none");
+    ConnectionSheet sheet("cp-recent-none", "-u tester");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{}));
+    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "");
+}
+
+TEST(ConnectionPage, HostTypedByHandIsListedLastWhenThePageOpensAgain) {
+    PrivateCurrentUser user("cp-recent-again");
+    AddRecentHost("beta.example");
+    AddRecentHost("alpha.example");
+    std::string file;
+    {
+        ConnectionSheet sheet("cp-recent-again", "-h alpha.example -u tester");
+        ASSERT_TRUE(sheet.Ready());
+        TypeIntoCombo(sheet.Control(kServerBox), "typed.example");
+        EXPECT_EQ(sheet.Applied(), "-h typed.example -u tester ");
+        file = ReadFileBytes(sheet.file());
+    }
+    ConnectionSheet again("cp-recent-again-2", file);
+    ASSERT_TRUE(again.Ready());
+    EXPECT_EQ(ListItems(again.Control(kServerBox)),
+              (std::vector<std::string>{"alpha.example", "beta.example", "typed.example"}));
+    EXPECT_EQ(WindowText(again.Control(kServerBox)), "typed.example");
+}
+
+// ---- Connection type -----------------------------------------------------------------
+
+TEST(ConnectionPage, ChangingTheConnectionTypeStoresItAndCopiesTheLoginIntoBothEdits) {
+    PrivateCurrentUser user("cp-type-change");
+    ConnectionSheet sheet("cp-type-change", "-h h -u tester");
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kLoginEdit), "changed");
+    sheet.record()->modified = 0;
+    ASSERT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "tester");
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kDiscovery));
+    EXPECT_EQ(sheet.record()->optionK, 1);
+    EXPECT_EQ(sheet.record()->localConnect, 0);
+    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "changed");
+    EXPECT_EQ(WindowText(sheet.Control(kLoginEdit)), "changed");
+    EXPECT_EQ(sheet.record()->login, "changed");
+    EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
+    EXPECT_EQ(sheet.Applied(), "-K -u changed ");
+}
+
+TEST(ConnectionPage, ChangingToLocalAndBackSetsBothFlags) {
+    PrivateCurrentUser user("cp-type-local");
+    ModuleStandIn module("cp-type-local-module", true);
+    ASSERT_TRUE(module.Ready());
+    ConnectionSheet sheet("cp-type-local", "-K -u tester", 690);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kLocal));
+    EXPECT_EQ(sheet.record()->localConnect, 1);
+    EXPECT_EQ(sheet.record()->optionK, 0);
+    EXPECT_EQ(ShownControls(sheet), kLocalLayout);
+    EXPECT_EQ(sheet.Applied(), "-d  -u tester ");
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kRemote));
+    EXPECT_EQ(sheet.record()->localConnect, 0);
+    EXPECT_EQ(sheet.record()->optionK, 0);
+    EXPECT_EQ(ShownControls(sheet), Without(kRemoteLayout, {1024}));
+    EXPECT_EQ(sheet.Applied(), "-u tester ");
+}
+
+TEST(ConnectionPage, ConnectionTypeChangeAppliesTheLoginTypeRuleFirst) {
+    PrivateCurrentUser user("cp-type-rule");
+    ConnectionSheet sheet("cp-type-rule", "-h h -L", 689);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_EQ(DisabledControls(sheet), std::set<int>{});
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kDiscovery));
+    // NT no logon disables 1010, 1023 and 1024; the discovery layout enables 1010 again.
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1023, 1024}));
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kRemote));
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1023, 1024}));
+}
+
+TEST(ConnectionPage, ConnectionTypeChangeToNoSelectionStoresDiscovery) {
+    PrivateCurrentUser user("cp-type-none");
+    ConnectionSheet sheet("cp-type-none", "-h h -u tester", 640);
+    ASSERT_TRUE(sheet.Ready());
+    SelectItem(sheet.Control(kConnectionTypeList), -1);
+    EXPECT_EQ(sheet.record()->optionK, 1);
+    EXPECT_EQ(sheet.record()->localConnect, 0);
+    EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
+}
+
+// ---- Login type ------------------------------------------------------------------------
+
+struct LoginCase {
+    const char* text;
+    std::int32_t version;
+    const char* bytes;
+};
+
+TEST(ConnectionPage, EachLoginTypeSetsItsOwnFlagOnly) {
+    const LoginCase cases[] = {
+        {kCachePassword, 689, "-h h -R "},  {kTextWindow, 689, "-h h -T "}, {kNtDomain, 689, "-h h -N "},
+        {kNtNoLogon, 689, "-h h -L "},      {kWindowsDomain, 690, "-h h -N -M "},
+        {kAlwaysRequirePassword, 690, "-h h "},
+    };
+    PrivateCurrentUser user("cp-login-types");
+    DomainAnswer domain(InDomain);
+    for (const LoginCase& c : cases) {
+        // Every other flag set first: the pick clears them.
+        ConnectionSheet sheet(std::string("cp-login-type-") + std::to_string(c.version), "-h h -R", c.version);
+        ASSERT_TRUE(sheet.Ready());
+        sheet.record()->optionT = sheet.record()->optionN = sheet.record()->optionL = sheet.record()->optionNM = 1;
+        ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), c.text)) << c.text;
+        EXPECT_EQ(sheet.record()->modified, 1) << c.text;
+        EXPECT_TRUE(ApplyEnabled(sheet.sheet())) << c.text;
+        EXPECT_EQ(sheet.Applied(), c.bytes) << c.text;
+    }
+}
+
+TEST(ConnectionPage, NtDomainChecksLegacyProtocolWithoutTouchingTheRecord) {
+    PrivateCurrentUser user("cp-login-check");
+    ConnectionSheet sheet("cp-login-check", "-h h -M", 689);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kNtDomain));
+    EXPECT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck)));
+    EXPECT_EQ(sheet.record()->noOptionM, 0);
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1016, 1024}));
+}
+
+TEST(ConnectionPage, WindowsDomainCredentialsUnchecksLegacyProtocolWithoutTouchingTheRecord) {
+    PrivateCurrentUser user("cp-login-uncheck");
+    DomainAnswer domain(InDomain);
+    ConnectionSheet sheet("cp-login-uncheck", "-h h", 690);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck)));
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kWindowsDomain));
+    EXPECT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
+    EXPECT_EQ(sheet.record()->noOptionM, 1);
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1024}));
+}
+
+TEST(ConnectionPage, OtherLoginTypesLeaveTheLegacyCheckAlone) {
+    PrivateCurrentUser user("cp-login-leave");
+    ConnectionSheet sheet("cp-login-leave", "-h h -M", 689);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kNtDomain));
+    ASSERT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck)));
+    for (const char* text : {kAlwaysRequirePassword, kCachePassword, kTextWindow, kNtNoLogon}) {
+        ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), text));
+        EXPECT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck))) << text;
+    }
+}
+
+TEST(ConnectionPage, LoginTypeListWithNoSelectionChangesNoFlag) {
+    PrivateCurrentUser user("cp-login-none");
+    ConnectionSheet sheet("cp-login-none", "-h h -R", 689);
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kTextWindow));
+    sheet.record()->modified = 0;
+    Apply(sheet.sheet());
+    ASSERT_FALSE(ApplyEnabled(sheet.sheet()));
+    SelectItem(sheet.Control(kLoginTypeList), -1);
+    EXPECT_EQ(sheet.record()->optionT, 1);
+    EXPECT_EQ(sheet.record()->modified, 0);
+    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    // The rule still runs, as for "Always require password".
+    EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
+}
+
+TEST(ConnectionPage, Client690InADomainListsWindowsDomainCredentialsLast) {
+    PrivateCurrentUser user("cp-domain-yes");
+    DomainAnswer domain(InDomain);
+    ConnectionSheet sheet("cp-domain-yes", "-h h", 690);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kLoginTypeList)),
+              (std::vector<std::string>{kAlwaysRequirePassword, kCachePassword, kTextWindow, kWindowsDomain}));
+    EXPECT_EQ(g_domainQuestions, 1);
+}
+
+TEST(ConnectionPage, Client690OutsideADomainListsExactlyThreeLoginTypes) {
+    PrivateCurrentUser user("cp-domain-no");
+    DomainAnswer domain(NotInDomain);
+    ConnectionSheet sheet("cp-domain-no", "-h h", 690);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kLoginTypeList)),
+              (std::vector<std::string>{kAlwaysRequirePassword, kCachePassword, kTextWindow}));
+    EXPECT_EQ(g_domainQuestions, 1);
+}
+
+TEST(ConnectionPage, DomainIsNotAskedBelow690) {
+    PrivateCurrentUser user("cp-domain-689");
+    DomainAnswer domain(InDomain);
+    ConnectionSheet sheet("cp-domain-689", "-h h", 689);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(g_domainQuestions, 0);
+    EXPECT_EQ(sheet.record()->inDomainKnown, 0);
+}
+
+TEST(ConnectionPage, WindowsDomainCredentialsFileSelectsItsEntryIn690) {
+    PrivateCurrentUser user("cp-domain-nm");
+    DomainAnswer domain(InDomain);
+    ConnectionSheet sheet("cp-domain-nm", "-h h -N -M", 690);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(SelectedItem(sheet.Control(kLoginTypeList)), kWindowsDomain);
+}
+
+// ---- Without a record ----------------------------------------------------------------
+
+TEST(ConnectionPageWithoutRecord, ListsOnlyWhatNeedsNoRecord) {
+    PrivateCurrentUser user("cp-null-lists");
+    DomainAnswer domain(InDomain);
+    ConnectionSheet sheet("cp-null-lists");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)), (std::vector<std::string>{kRemote}));
+    EXPECT_EQ(ListItems(sheet.Control(kLoginTypeList)),
+              (std::vector<std::string>{kAlwaysRequirePassword, kCachePassword, kTextWindow}));
+    EXPECT_EQ(g_domainQuestions, 0);
+    EXPECT_EQ(ListSelection(sheet.Control(kConnectionTypeList)), CB_ERR);
+    EXPECT_EQ(ListSelection(sheet.Control(kLoginTypeList)), CB_ERR);
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{}));
+}
+
+TEST(ConnectionPageWithoutRecord, ConnectLocallyStillNeedsOnlyVServer) {
+    PrivateCurrentUser user("cp-null-local");
+    ModuleStandIn module("cp-null-local-module", true);
+    ASSERT_TRUE(module.Ready());
+    ConnectionSheet sheet("cp-null-local");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)), (std::vector<std::string>{kLocal, kRemote}));
+}
+
+TEST(ConnectionPageWithoutRecord, OpensWithEveryControlShownEnabledAndEmpty) {
+    PrivateCurrentUser user("cp-null-open");
+    AddRecentHost("recent.example");
+    ConnectionSheet sheet("cp-null-open");
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ShownControls(sheet), kEveryControl);
+    EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
+    for (int id : {kLoginEdit, kDiscoveryLoginEdit, kServiceNameEdit, kServicePortEdit, kBookmarkEdit})
+        EXPECT_EQ(WindowText(sheet.Control(id)), "") << id;
+    EXPECT_FALSE(Checked(sheet.Control(kEncryptionCheck)));
+    EXPECT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
+    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{})) << "no recent hosts either";
+}
+
+TEST(ConnectionPageWithoutRecord, ConnectionTypeChangeStillShowsAndHides) {
+    PrivateCurrentUser user("cp-null-type");
+    ConnectionSheet sheet("cp-null-type");
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kRemote));
+    // No record, no client version: neither check box is hidden for a version.
+    EXPECT_EQ(ShownControls(sheet), kRemoteLayout);
+    SelectItem(sheet.Control(kConnectionTypeList), -1);
+    EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
+    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+}
+
+TEST(ConnectionPageWithoutRecord, ConnectionTypeChangeStillAppliesTheLoginTypeRule) {
+    PrivateCurrentUser user("cp-null-type-rule");
+    ConnectionSheet sheet("cp-null-type-rule");
+    ASSERT_TRUE(sheet.Ready());
+    SendMessageA(sheet.Control(kLoginTypeList), CB_SETCURSEL, 2, 0);  // text window, unannounced
+    ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kRemote));
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1016, 1020, 1023, 1024}));
+}
+
+TEST(ConnectionPageWithoutRecord, DiscoveryMaskStillEnablesTheRemoteLoginEdit) {
+    PrivateCurrentUser user("cp-null-enable");
+    ConnectionSheet sheet("cp-null-enable");
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kTextWindow));
+    ASSERT_FALSE(Enabled(sheet.Control(kLoginEdit)));
+    // The login-type rule disables the edit again, then the discovery mask enables it.
+    SelectItem(sheet.Control(kConnectionTypeList), -1);
+    EXPECT_TRUE(Enabled(sheet.Control(kLoginEdit)));
+    EXPECT_FALSE(Enabled(sheet.Control(kServiceNameEdit)));
+}
+
+TEST(ConnectionPageWithoutRecord, LoginTypeChangeStillEnablesAndDisables) {
+    PrivateCurrentUser user("cp-null-login");
+    ConnectionSheet sheet("cp-null-login");
+    ASSERT_TRUE(sheet.Ready());
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kTextWindow));
+    EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1016, 1020, 1023, 1024}));
+    ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kCachePassword));
+    EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
+    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+}
+
+TEST(ConnectionPageWithoutRecord, EditsAndClicksChangeNothingAndApplyWritesNothing) {
+    PrivateCurrentUser user("cp-null-edits");
+    AddRecentHost("recent.example");
+    ConnectionSheet sheet("cp-null-edits");
+    ASSERT_TRUE(sheet.Ready());
+    for (int id : {kLoginEdit, kDiscoveryLoginEdit, kCommandLineEdit, kStartDirectoryEdit, kServiceNameEdit,
+                   kBookmarkEdit, kServicePortEdit})
+        TypeText(sheet.Control(id), "123");
+    ReplaceText(sheet.Control(kAnswerBackEdit), "123");
+    TypeIntoCombo(sheet.Control(kServerBox), "typed.example");
+    SelectItem(sheet.Control(kServerBox), 0);
+    Click(sheet.Control(kEncryptionCheck));
+    Click(sheet.Control(kLegacyProtocolCheck));
+    EXPECT_TRUE(Checked(sheet.Control(kEncryptionCheck)));
+    EXPECT_EQ(sheet.object()->Record(), nullptr);
+    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_FALSE(Apply(sheet.sheet()));
+    EXPECT_EQ(GetFileAttributesA(sheet.file().c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST(ConnectionPageWithoutRecord, EveryCommandOfTheMapIsAnsweredAsHandled) {
+    PrivateCurrentUser user("cp-null-handled");
+    ConnectionSheet sheet("cp-null-handled");
+    ASSERT_TRUE(sheet.Ready());
+    const std::pair<int, int> commands[] = {
+        {kConnectionTypeList, CBN_SELCHANGE}, {kServerBox, CBN_SELCHANGE}, {kServerBox, CBN_EDITCHANGE},
+        {kLoginEdit, EN_CHANGE},        {kDiscoveryLoginEdit, EN_CHANGE}, {kLoginTypeList, CBN_SELCHANGE},
+        {kCommandLineEdit, EN_CHANGE},  {kStartDirectoryEdit, EN_CHANGE}, {kServiceNameEdit, EN_CHANGE},
+        {kBookmarkEdit, EN_CHANGE},     {kAnswerBackEdit, EN_CHANGE},     {kServicePortEdit, EN_CHANGE},
+        {kEncryptionCheck, BN_CLICKED}, {kLegacyProtocolCheck, BN_CLICKED},
+    };
+    auto* dialogProc = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(sheet.page(), DWLP_DLGPROC));
+    ASSERT_NE(dialogProc, nullptr);
+    for (const auto& [id, code] : commands) {
+        const WPARAM wParam = MAKEWPARAM(id, code);
+        EXPECT_EQ(dialogProc(sheet.page(), WM_COMMAND, wParam, reinterpret_cast<LPARAM>(sheet.Control(id))), TRUE)
+            << id << " " << code;
+    }
+    // Commands outside the map are passed on.
+    EXPECT_EQ(dialogProc(sheet.page(), WM_COMMAND, MAKEWPARAM(kServicePortEdit, EN_UPDATE),
+                         reinterpret_cast<LPARAM>(sheet.Control(kServicePortEdit))),
+              FALSE);
+    EXPECT_EQ(dialogProc(sheet.page(), WM_COMMAND, MAKEWPARAM(kEncryptionCheck, BN_SETFOCUS),
+                         reinterpret_cast<LPARAM>(sheet.Control(kEncryptionCheck))),
+              FALSE);
+}
