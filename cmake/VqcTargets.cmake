@@ -10,7 +10,7 @@ endfunction()
 # vqc_add_test(NAME SOURCES ... LIBS ... [PROPERTIES ...])
 # A GoogleTest executable; every test case becomes one ctest test. In the Windows build
 # it runs under Wine through CMAKE_CROSSCOMPILING_EMULATOR, discovered at test time.
-# A case gets 20 s (they take well under a second; a hang should fail fast); suites of long
+# A case gets 30 s (most take well under a second; a hang should fail fast); suites of long
 # runs name their own TIMEOUT in PROPERTIES.
 function(vqc_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;PROPERTIES" ${ARGN})
@@ -20,7 +20,7 @@ function(vqc_add_test name)
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 20 ${ARG_PROPERTIES})
+    PROPERTIES TIMEOUT 30 ${ARG_PROPERTIES})
 endfunction()
 
 # vqc_add_fuzzer(NAME SOURCES ... LIBS ... CORPUS dir)
