@@ -68,6 +68,16 @@ struct ItemPaint {
 ItemPaint PlanItemPaint(std::uint32_t controlId, std::int32_t itemId, std::uint32_t action,
                         std::uint32_t state) noexcept;
 
+// ExtractIconExA's result for one icon: the handles it hands back count only when it
+// reports success, neither 0 nor UINT_MAX (a missing file); on failure Wine may leave
+// stale values in them.
+constexpr bool ExtractionSucceeded(std::uint32_t result) noexcept { return result != 0 && result != 0xFFFFFFFFu; }
+// An icon is listed only when the extraction at both sizes succeeded and gave a small
+// icon; its large icon becomes the item's data.
+constexpr bool IconIsListed(std::uint32_t result, bool hasSmall) noexcept {
+    return ExtractionSucceeded(result) && hasSmall;
+}
+
 // "&Dynamic screen sizing" is the inverse of option_s: checked exactly when option_s is 0,
 // and the box's new state sets option_s to 0 when checked, 1 otherwise.
 constexpr bool DynamicSizingChecked(std::uint8_t option_s) noexcept { return option_s == 0; }

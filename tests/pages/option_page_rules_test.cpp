@@ -200,6 +200,21 @@ TEST(PlanItemPaint, NoActionBitsAndNoFocusDrawNothing) {
     EXPECT_FALSE(p.focus);
 }
 
+TEST(IconListing, ListedWhenTheExtractionSucceededWithASmallIcon) {
+    EXPECT_TRUE(IconIsListed(2, true));
+    EXPECT_TRUE(IconIsListed(1, true));
+}
+
+TEST(IconListing, NotListedWithoutASmallIcon) { EXPECT_FALSE(IconIsListed(2, false)); }
+
+TEST(IconListing, NotListedWhenTheExtractionFailed) {
+    EXPECT_FALSE(IconIsListed(0, true));
+    EXPECT_FALSE(IconIsListed(0xFFFFFFFFu, true));
+    EXPECT_FALSE(ExtractionSucceeded(0));
+    EXPECT_FALSE(ExtractionSucceeded(0xFFFFFFFFu));
+    EXPECT_TRUE(ExtractionSucceeded(1));
+}
+
 TEST(DynamicSizing, CheckedExactlyWhenOptionSIsZero) {
     EXPECT_TRUE(DynamicSizingChecked(0));
     EXPECT_FALSE(DynamicSizingChecked(1));
