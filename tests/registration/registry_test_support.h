@@ -69,6 +69,24 @@ private:
     PrivateKey key_;
 };
 
+// HKEY_CURRENT_USER redirected to a private key while the object lives, so that a test
+// can set values under fixed user paths ("Control Panel\\Desktop\\...") without
+// touching the prefix's real ones or another test process's.
+class PrivateUserRoot {
+public:
+    explicit PrivateUserRoot(const std::string& tag) : key_(tag) {
+        RegOverridePredefKey(HKEY_CURRENT_USER, key_.get());
+    }
+    ~PrivateUserRoot() { RegOverridePredefKey(HKEY_CURRENT_USER, nullptr); }
+    PrivateUserRoot(const PrivateUserRoot&) = delete;
+    PrivateUserRoot& operator=(const PrivateUserRoot&) = delete;
+
+    HKEY get() const { return key_.get(); }
+
+private:
+    PrivateKey key_;
+};
+
 inline bool KeyExists(HKEY root, const std::string& path) {
     HKEY key = nullptr;
     if (RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
