@@ -5,9 +5,11 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <cstdint>
 #include <string>
 
+#include "common/unique_handle.h"
 #include "resources/dialog_tables.h"
 
 // Flags of CreateTableDialog.
@@ -35,3 +37,14 @@ INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC di
 
 // A heap template for a property page, or null; the caller frees it with free().
 DLGTEMPLATE* AllocDialogTemplate(int index, std::uint32_t pointSize) noexcept;
+
+// Owner of a template from AllocDialogTemplate: freed with free().
+namespace handle_traits {
+struct HeapDialogTemplate {
+    using Handle = DLGTEMPLATE*;
+    static Handle Invalid() noexcept { return nullptr; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr; }
+    static void Close(Handle h) noexcept { std::free(h); }
+};
+}  // namespace handle_traits
+using UniqueDialogTemplate = UniqueHandle<handle_traits::HeapDialogTemplate>;

@@ -2,12 +2,19 @@
 
 #include <climits>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include <shellapi.h>
 
+#include "common/ansi_text.h"
 #include "common/com_boundary.h"
 #include "common/hresult_error.h"
+#include "pages/connection_page.h"
+#include "pages/option_page.h"
+#include "pages/proxy_page.h"
+#include "resources/local_string_cache.h"
+#include "shellext/client_probe.h"
 #include "shellext/vqcprop_ids.h"
 #include "shellext/vqcprop_module.h"
 
@@ -19,6 +26,23 @@ constexpr ULONG kRefCountWhileDestroying = static_cast<ULONG>(-(LONG_MAX / 2));
 
 constexpr CLIPFORMAT kClipboardHDrop = 15;  // CF_HDROP
 constexpr UINT kQueryFileCount = 0xFFFFFFFF;
+
+// The client version from which the sheet offers the Proxy page.
+constexpr std::int32_t kProxyPageFromVersion = 620;
+
+// Creates one page around the record and hands it to the shell at once. A page the shell
+// refuses is deleted again (its sheet handle is left as it is); the caller goes on with the
+// next page either way.
+template <typename Page>
+void OfferPage(VQCFileInfo* record, LPFNSVADDPROPSHEETPAGE addPage, LPARAM lParam) {
+    std::unique_ptr<Page> page(new Page(record, GetLocalString(Page::kTitleStringId)));
+    const HPROPSHEETPAGE handle = page->CreatePage();
+    if (!handle) throw std::bad_alloc();  // comctl32 could not copy the description
+    // From here the sheet's release callback owns the page, if the shell keeps it.
+    Page* offered = page.release();
+    // Without a callback every page counts as refused.
+    if (!addPage || !addPage(handle, lParam)) delete offered;
+}
 
 // Sets the string's length to that of the zero-terminated text the API left in it.
 void SetLengthToText(std::string& text) {
@@ -89,7 +113,9 @@ STDMETHODIMP VQCProp::Initialize(PCIDLIST_ABSOLUTE, IDataObject* dataObject, HKE
 
         FORMATETC format = {kClipboardHDrop, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
         STGMEDIUM medium = {};
-        if (FAILED(dataObject_->GetData(&format, &medium)) || !medium.hGlobal) return E_FAIL;
+        if (FAILED(dataObject_->GetData(&format, &medium))) return E_FAIL;
+        // Any other medium than the global memory asked for carries no drop list.
+        if (medium.tymed != TYMED_HGLOBAL || !medium.hGlobal) return E_FAIL;
         // The medium is deliberately not handed back with ReleaseStgMedium.
         auto drop = static_cast<HDROP>(medium.hGlobal);
 
@@ -104,9 +130,38 @@ STDMETHODIMP VQCProp::Initialize(PCIDLIST_ABSOLUTE, IDataObject* dataObject, HKE
     });
 }
 
-STDMETHODIMP VQCProp::AddPages(LPFNSVADDPROPSHEETPAGE, LPARAM) {
-    // The Connection, Proxy and Options pages are not part of this build yet.
-    return E_NOTIMPL;
+STDMETHODIMP VQCProp::AddPages(LPFNSVADDPROPSHEETPAGE addPage, LPARAM lParam) {
+    // Pages handed over before a failure stay with the shell. Exhausted memory is the one
+    // failure with an answer of its own; anything else is E_FAIL.
+    const HRESULT result = GuardComCall([&]() -> HRESULT {
+        auto* created = new (std::nothrow) VQCFileInfo(fileName_.c_str());
+        if (!created) return E_OUTOFMEMORY;
+        // This method's own reference; each page takes one more, and the record dies with
+        // the last page.
+        const ComPtr<VQCFileInfo> record(created);
+
+        std::string clientPath;
+        if (FindClientInstallation(TheModule().instance, &clientPath)) {
+            record->clientPath = ansi_text::Trimmed(clientPath);
+            record->clientVersion = ReadClientVersion(clientPath.c_str());
+        }
+
+        // A file that cannot be read still gets its pages, one too large to map included;
+        // only exhausted memory ends the method.
+        try {
+            record->Read(record->filePath.c_str());
+        } catch (const HResultError& error) {
+            if (error.code() == kResultOutOfMemory) throw;
+        }
+
+        OfferPage<CVQCConnectionPage>(record.Get(), addPage, lParam);
+        if (record->clientVersion >= kProxyPageFromVersion) {
+            OfferPage<CVQCProxyPage>(record.Get(), addPage, lParam);
+        }
+        OfferPage<CVQCOptionPage>(record.Get(), addPage, lParam);
+        return S_OK;
+    });
+    return SUCCEEDED(result) || result == E_OUTOFMEMORY ? result : E_FAIL;
 }
 
 STDMETHODIMP VQCProp::ReplacePage(EXPPS, LPFNSVADDPROPSHEETPAGE, LPARAM) { return E_NOTIMPL; }

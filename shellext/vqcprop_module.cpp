@@ -34,8 +34,10 @@ VqcPropModule::VqcPropModule(OwnedCriticalSection::Initializer initialize)
       comModuleInitialized_(factorySection_.Initialized()),
       moduleSection_(initialize),
       objectMap_{{&CLSID_VQCProp, NoRegistryScript, CreateVQCPropFactory, VQCProp::CreateInstance,
-                   nullptr, nullptr, nullptr, NoObjectMain}} {
-    if (!resourceSection_.Initialized() || !comModuleInitialized_ || !moduleSection_.Initialized()) {
+                   nullptr, nullptr, nullptr, NoObjectMain}},
+      windowCreation_(initialize) {
+    if (!resourceSection_.Initialized() || !comModuleInitialized_ || !moduleSection_.Initialized() ||
+        !windowCreation_.Initialized()) {
         initializationFailed_ = true;
     }
     for (ObjectMapEntry* entry = ObjectMapBegin(); entry != ObjectMapEnd(); ++entry) {

@@ -1,12 +1,14 @@
 // VqcPropModule: the DLL's module object. It owns the lock count that decides when the
-// shell may unload the DLL, the one-entry object map with its cached class factory, and
-// the per-class registration loops that run after the server's own registry entries.
+// shell may unload the DLL, the one-entry object map with its cached class factory, the
+// per-class registration loops that run after the server's own registry entries, and the
+// list of property page windows being created.
 #pragma once
 
 #include <windows.h>
 #include <unknwn.h>
 
 #include "common/win_handles.h"
+#include "pages/window_creation_list.h"
 
 // One row of the object map: how the class is found, created and registered.
 struct ObjectMapEntry {
@@ -33,6 +35,9 @@ public:
     virtual LONG Lock() noexcept;
     virtual LONG Unlock() noexcept;
     virtual LONG GetLockCount() const noexcept;
+    // The lock count itself, which every property page names as its reference parent:
+    // the sheet counts the pages it holds in it.
+    UINT* LockCountAddress() noexcept { return reinterpret_cast<UINT*>(const_cast<LONG*>(&lockCount_)); }
 
     // DllCanUnloadNow and DllGetClassObject.
     HRESULT CanUnloadNow() const noexcept;
@@ -51,6 +56,9 @@ public:
     HINSTANCE instance;
     GUID libraryId;
 
+    // Page objects waiting for their windows, under the window-creation critical section.
+    WindowCreationList& WindowCreation() noexcept { return windowCreation_; }
+
 private:
     void ReleaseCachedFactories() noexcept;
 
@@ -61,6 +69,7 @@ private:
     OwnedCriticalSection moduleSection_;
     volatile LONG lockCount_ = 0;
     ObjectMapEntry objectMap_[1];
+    WindowCreationList windowCreation_;  // its section is initialised last
 };
 
 // The module of the DLL (or of the test program that links the server's code).

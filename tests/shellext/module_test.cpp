@@ -25,6 +25,11 @@ BOOL WINAPI FailingSecondInitialization(LPCRITICAL_SECTION section, DWORD spin, 
     return ++g_initializations == 2 ? FALSE : InitializeCriticalSectionEx(section, spin, flags);
 }
 
+// Fails only the window-creation section (the fourth and last one).
+BOOL WINAPI FailingFourthInitialization(LPCRITICAL_SECTION section, DWORD spin, DWORD flags) {
+    return ++g_initializations == 4 ? FALSE : InitializeCriticalSectionEx(section, spin, flags);
+}
+
 }  // namespace
 
 TEST(Module, CanUnloadWhenNothingIsAlive) {
@@ -114,6 +119,18 @@ TEST(Module, FailedComModuleSectionAloneAnswersEUnexpected) {
     EXPECT_TRUE(failed.InitializationFailed());
     void* object = nullptr;
     EXPECT_EQ(failed.GetClassObject(CLSID_VQCProp, IID_IClassFactory, &object), E_UNEXPECTED);
+}
+
+TEST(Module, FailedWindowCreationSectionMarksStartUpFailedAndListsNothing) {
+    g_initializations = 0;
+    VqcPropModule failed(FailingFourthInitialization);
+    EXPECT_EQ(g_initializations, 4);
+    EXPECT_TRUE(failed.InitializationFailed());
+    EXPECT_FALSE(failed.WindowCreation().Initialized());
+    WindowCreationList::Entry entry;
+    int object = 0;
+    failed.WindowCreation().Add(entry, &object);
+    EXPECT_EQ(failed.WindowCreation().Take(), nullptr);
 }
 
 TEST(Module, HealthyStartUpIsNotFailed) {

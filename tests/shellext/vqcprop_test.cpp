@@ -146,9 +146,60 @@ TEST(VQCPropNotImplemented, ReplacePage) {
     EXPECT_EQ(sheet->ReplacePage(0, nullptr, 0), E_NOTIMPL);
 }
 
-TEST(VQCPropNotImplemented, AddPagesUntilThePagesArrive) {
-    ComPtr<IShellPropSheetExt> sheet = As<IShellPropSheetExt>(NewObject(), IID_IShellPropSheetExt);
-    EXPECT_EQ(sheet->AddPages(nullptr, 0), E_NOTIMPL);
+namespace {
+
+// The shell's side of AddPages: every page is kept, and destroyed again at the end.
+struct OfferedPages {
+    std::vector<HPROPSHEETPAGE> pages;
+    static BOOL CALLBACK Keep(HPROPSHEETPAGE page, LPARAM self) {
+        reinterpret_cast<OfferedPages*>(self)->pages.push_back(page);
+        return TRUE;
+    }
+    ~OfferedPages() {
+        for (HPROPSHEETPAGE page : pages) DestroyPropertySheetPage(page);
+    }
+};
+
+}  // namespace
+
+TEST(VQCPropAddPages, OffersThreePagesWithoutAClientBesideTheModule) {
+    ComApartment apartment;
+    TempFolder folder("add-pages");
+    const std::string file = folder.File("three.vqc");
+    WriteFileBytes(file, "-h host");
+    ComPtr<IDataObject> selection = ShellSelection({file});
+    ASSERT_TRUE(selection);
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, selection.Get(), nullptr), S_OK);
+    const LONG locks = TheModule().GetLockCount();
+    {
+        OfferedPages offered;
+        EXPECT_EQ(As<IShellPropSheetExt>(object, IID_IShellPropSheetExt)
+                      ->AddPages(OfferedPages::Keep, reinterpret_cast<LPARAM>(&offered)),
+                  S_OK);
+        EXPECT_EQ(offered.pages.size(), 3u);
+        for (HPROPSHEETPAGE page : offered.pages) EXPECT_NE(page, nullptr);
+    }
+    EXPECT_EQ(TheModule().GetLockCount(), locks);
+}
+
+TEST(VQCPropAddPages, WithoutACallbackEveryPageCountsAsRefused) {
+    const LONG locks = TheModule().GetLockCount();
+    {
+        ComPtr<IUnknown> object = NewObject();
+        EXPECT_EQ(As<IShellPropSheetExt>(object, IID_IShellPropSheetExt)->AddPages(nullptr, 0), S_OK);
+        EXPECT_EQ(TheModule().WindowCreation().Count(), 0);
+    }
+    EXPECT_EQ(TheModule().GetLockCount(), locks);
+}
+
+TEST(VQCPropAddPages, WithoutAFileThePagesAreStillOffered) {
+    ComPtr<IUnknown> object = NewObject();
+    OfferedPages offered;
+    EXPECT_EQ(As<IShellPropSheetExt>(object, IID_IShellPropSheetExt)
+                  ->AddPages(OfferedPages::Keep, reinterpret_cast<LPARAM>(&offered)),
+              S_OK);
+    EXPECT_EQ(offered.pages.size(), 3u);
 }
 
 TEST(VQCPropInitialize, OneSelectedFileIsAccepted) {
@@ -192,6 +243,55 @@ TEST(VQCPropInitialize, DataWithoutAFileDropIsRefused) {
     ASSERT_EQ(OleGetClipboard(text.Put()), S_OK);
     ComPtr<IUnknown> object = NewObject();
     EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, text.Get(), nullptr), E_FAIL);
+}
+
+namespace {
+
+// A data object that answers every request with a stream, whatever medium was asked for.
+class StreamDataObject : public IDataObject {
+public:
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+        if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDataObject)) {
+            *object = static_cast<IDataObject*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
+    STDMETHODIMP_(ULONG) Release() override { return --references; }
+    STDMETHODIMP GetData(FORMATETC*, STGMEDIUM* medium) override {
+        ++requests;
+        medium->tymed = TYMED_ISTREAM;
+        medium->pstm = stream.Get();  // not null, where a drop list's handle would be
+        medium->pUnkForRelease = nullptr;
+        return S_OK;
+    }
+    STDMETHODIMP GetDataHere(FORMATETC*, STGMEDIUM*) override { return E_NOTIMPL; }
+    STDMETHODIMP QueryGetData(FORMATETC*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetCanonicalFormatEtc(FORMATETC*, FORMATETC*) override { return E_NOTIMPL; }
+    STDMETHODIMP SetData(FORMATETC*, STGMEDIUM*, BOOL) override { return E_NOTIMPL; }
+    STDMETHODIMP EnumFormatEtc(DWORD, IEnumFORMATETC**) override { return E_NOTIMPL; }
+    STDMETHODIMP DAdvise(FORMATETC*, DWORD, IAdviseSink*, DWORD*) override { return E_NOTIMPL; }
+    STDMETHODIMP DUnadvise(DWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP EnumDAdvise(IEnumSTATDATA**) override { return E_NOTIMPL; }
+
+    ULONG references = 1;
+    int requests = 0;
+    ComPtr<IStream> stream;
+};
+
+}  // namespace
+
+TEST(VQCPropInitialize, MediumOtherThanGlobalMemoryIsRefused) {
+    StreamDataObject data;
+    ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, data.stream.Put()), S_OK);
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, &data, nullptr), E_FAIL);
+    EXPECT_EQ(data.requests, 1);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_EQ(prop->FileName(), "");
 }
 
 TEST(VQCPropLoad, NullNameIsInvalidArgument) {
