@@ -35,8 +35,4 @@ ItemPaint PlanItemPaint(std::uint32_t controlId, std::int32_t itemId, std::uint3
     return paint;
 }
 
-std::string InitialFileName(std::string_view path) {
-    return std::string(path.substr(0, kFileNameBufferChars - 1));
-}
-
 }  // namespace option_page

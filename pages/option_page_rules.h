@@ -1,12 +1,10 @@
 // The Options page's rules over plain data: the desktop's "Shell Icon Size" setting, the
-// size of an icon list item, where an item's icon goes and how the item is painted, the
-// check box's meaning and the file dialog's initial name. The window code applies them.
+// size of an icon list item, where an item's icon goes and how the item is painted, when
+// an extracted icon is listed, and the check box's meaning. The window code applies them.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
-#include <string_view>
 
 namespace option_page {
 
@@ -82,10 +80,5 @@ constexpr bool IconIsListed(std::uint32_t result, bool hasSmall) noexcept {
 // and the box's new state sets option_s to 0 when checked, 1 otherwise.
 constexpr bool DynamicSizingChecked(std::uint8_t option_s) noexcept { return option_s == 0; }
 constexpr std::uint8_t OptionSFromCheck(bool checked) noexcept { return checked ? 0 : 1; }
-
-// The file dialog takes the initial name into a buffer of 260 characters: a longer path
-// is cut to its first 259.
-constexpr std::size_t kFileNameBufferChars = 260;
-std::string InitialFileName(std::string_view path);
 
 }  // namespace option_page

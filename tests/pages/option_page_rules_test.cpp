@@ -1,6 +1,6 @@
 // The Options page's rules with exact values: the "Shell Icon Size" setting as the
 // registry query hands it over, the item size, the icon's place in an item, the paint
-// plan of an owner-drawn item, the check box and the file dialog's initial name.
+// plan of an owner-drawn item, when an icon is listed, and the check box.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -224,23 +224,4 @@ TEST(DynamicSizing, CheckedExactlyWhenOptionSIsZero) {
 TEST(DynamicSizing, CheckingClearsOptionSAndUncheckingSetsIt) {
     EXPECT_EQ(OptionSFromCheck(true), 0);
     EXPECT_EQ(OptionSFromCheck(false), 1);
-}
-
-TEST(InitialFileName, ShortPathIsKept) {
-    EXPECT_EQ(InitialFileName("C:\\Program Files\\client\\vclient.dll"), "C:\\Program Files\\client\\vclient.dll");
-    EXPECT_EQ(InitialFileName(""), "");
-}
-
-TEST(InitialFileName, PathOf259CharactersIsKeptWhole) {
-    const std::string path = "C:\\" + std::string(252, 'a') + ".ico";
-    ASSERT_EQ(path.size(), 259u);
-    EXPECT_EQ(InitialFileName(path), path);
-}
-
-TEST(InitialFileName, LongerPathIsCutTo259Characters) {
-    const std::string path = "C:\\" + std::string(300, 'b') + ".ico";
-    const std::string cut = InitialFileName(path);
-    EXPECT_EQ(cut.size(), 259u);
-    EXPECT_EQ(cut, path.substr(0, 259));
-    EXPECT_EQ(InitialFileName(std::string(260, 'c')), std::string(259, 'c'));
 }
