@@ -75,6 +75,22 @@ private:
     HDC dc_;
 };
 
+// A memory DC from CreateCompatibleDC, deleted with DeleteDC.
+using UniqueMemoryDC = UniqueHandle<handle_traits::NullInvalid<HDC, DeleteDC>>;
+
+// Selects a GDI object into a DC for the owner's lifetime and puts the old one back.
+class SelectedObject {
+public:
+    SelectedObject(HDC dc, HGDIOBJ object) noexcept : dc_(dc), old_(SelectObject(dc, object)) {}
+    ~SelectedObject() { if (old_ && old_ != HGDI_ERROR) SelectObject(dc_, old_); }
+    SelectedObject(const SelectedObject&) = delete;
+    SelectedObject& operator=(const SelectedObject&) = delete;
+
+private:
+    HDC dc_;
+    HGDIOBJ old_;
+};
+
 // Memory from GlobalAlloc and friends (a drop list of CF_HDROP, for example).
 namespace handle_traits {
 struct GlobalMemory {

@@ -18,32 +18,76 @@ struct BitmapInfoWithColours {
     RGBQUAD colours[256];
 };
 
+// The format of a bitmap as GetDIBits reports it (a header with bits per pixel 0 asks
+// for the format only).
+std::optional<BITMAPINFOHEADER> QueryBitmapFormat(HDC dc, HBITMAP bitmap) {
+    BitmapInfoWithColours query{};
+    query.header.biSize = sizeof(BITMAPINFOHEADER);
+    query.header.biBitCount = 0;
+    if (!GetDIBits(dc, bitmap, 0, 0, nullptr, reinterpret_cast<BITMAPINFO*>(&query), DIB_RGB_COLORS))
+        return std::nullopt;
+    return query.header;
+}
+
+// A bitmap's rows bottom-up at 1 bit per pixel.
+std::optional<std::vector<std::uint8_t>> ReadOneBitRows(HDC dc, HBITMAP bitmap, std::int32_t width,
+                                                        std::int32_t rows) {
+    BitmapInfoWithColours info{};
+    info.header.biSize = sizeof(BITMAPINFOHEADER);
+    info.header.biWidth = width;
+    info.header.biHeight = rows;
+    info.header.biPlanes = 1;
+    info.header.biBitCount = 1;
+    info.header.biCompression = BI_RGB;
+    IconImageFormat oneBit;
+    oneBit.width = width;
+    oneBit.bitsPerPixel = 1;
+    std::vector<std::uint8_t> bits(std::size_t{static_cast<std::uint32_t>(rows)} * AndRowBytes(oneBit));
+    if (GetDIBits(dc, bitmap, 0, static_cast<UINT>(rows), bits.data(), reinterpret_cast<BITMAPINFO*>(&info),
+                  DIB_RGB_COLORS) != rows)
+        return std::nullopt;
+    return bits;
+}
+
+// A black-and-white icon: only the double-height mask, AND mask above the XOR bits.
+std::optional<IconImage> ReadMonochromeIconImage(HDC dc, HBITMAP mask) {
+    const std::optional<BITMAPINFOHEADER> format = QueryBitmapFormat(dc, mask);
+    if (!format) return std::nullopt;
+    const std::int32_t width = format->biWidth;
+    const std::int32_t rows = format->biHeight < 0 ? -format->biHeight : format->biHeight;
+    if (width <= 0 || rows <= 0 || rows % 2 != 0) return std::nullopt;
+    const std::optional<std::vector<std::uint8_t>> bits = ReadOneBitRows(dc, mask, width, rows);
+    if (!bits) return std::nullopt;
+    try {
+        return MakeMonochromeIconImage(width, rows / 2, *bits);
+    } catch (const std::invalid_argument&) {
+        return std::nullopt;
+    }
+}
+
 // The image of one icon: its colour bitmap at its own depth, and its 1-bit mask.
 std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     ICONINFO info{};
     if (!icon || !GetIconInfo(icon, &info)) return std::nullopt;
     const UniqueGdiObject colour(info.hbmColor);
     const UniqueGdiObject mask(info.hbmMask);
-    if (!colour || !mask) return std::nullopt;  // monochrome icons carry no colour bitmap
+    if (!mask) return std::nullopt;
+    if (!colour) return ReadMonochromeIconImage(dc, static_cast<HBITMAP>(mask.get()));
 
-    BitmapInfoWithColours query{};
-    query.header.biSize = sizeof(BITMAPINFOHEADER);
-    query.header.biBitCount = 0;  // asks only for the format
-    if (!GetDIBits(dc, static_cast<HBITMAP>(colour.get()), 0, 0, nullptr,
-                   reinterpret_cast<BITMAPINFO*>(&query), DIB_RGB_COLORS))
-        return std::nullopt;
+    const std::optional<BITMAPINFOHEADER> query = QueryBitmapFormat(dc, static_cast<HBITMAP>(colour.get()));
+    if (!query) return std::nullopt;
 
     IconImageFormat format;
-    format.width = query.header.biWidth;
-    format.height = query.header.biHeight < 0 ? -query.header.biHeight : query.header.biHeight;
+    format.width = query->biWidth;
+    format.height = query->biHeight < 0 ? -query->biHeight : query->biHeight;
     format.planes = 1;
-    format.bitsPerPixel = query.header.biBitCount;
+    format.bitsPerPixel = query->biBitCount;
     if (format.width <= 0 || format.height <= 0 || format.bitsPerPixel == 0) return std::nullopt;
     const std::uint32_t rows = static_cast<std::uint32_t>(format.height);
 
     // Colour bits at the bitmap's own depth, bottom-up, with its colour table.
     BitmapInfoWithColours colourInfo{};
-    colourInfo.header = query.header;
+    colourInfo.header = *query;
     colourInfo.header.biHeight = format.height;
     colourInfo.header.biPlanes = 1;
     colourInfo.header.biCompression = BI_RGB;
@@ -59,20 +103,12 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     if (colours) std::memcpy(colourTable.data(), colourInfo.colours, colourTable.size());
 
     // The mask read as 1 bit per pixel at the colour bitmap's size.
-    BitmapInfoWithColours maskInfo{};
-    maskInfo.header.biSize = sizeof(BITMAPINFOHEADER);
-    maskInfo.header.biWidth = format.width;
-    maskInfo.header.biHeight = format.height;
-    maskInfo.header.biPlanes = 1;
-    maskInfo.header.biBitCount = 1;
-    maskInfo.header.biCompression = BI_RGB;
-    std::vector<std::uint8_t> andBits(std::size_t{rows} * AndRowBytes(format));
-    if (GetDIBits(dc, static_cast<HBITMAP>(mask.get()), 0, rows, andBits.data(),
-                  reinterpret_cast<BITMAPINFO*>(&maskInfo), DIB_RGB_COLORS) != static_cast<int>(rows))
-        return std::nullopt;
+    const std::optional<std::vector<std::uint8_t>> andBits =
+        ReadOneBitRows(dc, static_cast<HBITMAP>(mask.get()), format.width, format.height);
+    if (!andBits) return std::nullopt;
 
     try {
-        return IconImage::Make(format, colourTable, xorBits, andBits);
+        return IconImage::Make(format, colourTable, xorBits, *andBits);
     } catch (const std::invalid_argument&) {
         return std::nullopt;
     }

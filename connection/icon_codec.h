@@ -9,7 +9,8 @@
 // With out null only measures; otherwise writes the text at *out (no terminator) and
 // advances *out past it. Returns the number of characters, line breaks included, plus
 // one. icon must be set; smallIcon may be null and then gives a one-image stream. Returns
-// 0 (nothing written) when icon is null or its bitmaps cannot be read.
+// 0 (nothing written) when icon is null or its bitmaps cannot be read. A black-and-white
+// icon (no colour bitmap) becomes a 1-bit image with a black-and-white colour table.
 std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon);
 
 // Sets both outputs to null, then makes image 0 into *iconOut at its own size and image 1

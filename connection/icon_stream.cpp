@@ -106,6 +106,24 @@ IconImage IconImage::Make(const IconImageFormat& format,
     return image;
 }
 
+IconImage MakeMonochromeIconImage(std::int32_t width, std::int32_t height,
+                                  const std::vector<std::uint8_t>& doubleMaskBits) {
+    IconImageFormat format;
+    format.width = width;
+    format.height = height;
+    format.planes = 1;
+    format.bitsPerPixel = 1;
+    if (width <= 0 || height <= 0)
+        throw std::invalid_argument("icon image parts do not match the format");
+    const std::size_t halfBytes = std::size_t{AndRowBytes(format)} * static_cast<std::uint32_t>(height);
+    if (doubleMaskBits.size() != 2 * halfBytes)
+        throw std::invalid_argument("icon image parts do not match the format");
+    static const std::vector<std::uint8_t> kBlackWhite = {0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0};
+    const auto middle = doubleMaskBits.begin() + static_cast<std::ptrdiff_t>(halfBytes);
+    return IconImage::Make(format, kBlackWhite, std::vector<std::uint8_t>(doubleMaskBits.begin(), middle),
+                           std::vector<std::uint8_t>(middle, doubleMaskBits.end()));
+}
+
 std::vector<std::uint8_t> BuildIconStream(const IconImage* images, std::size_t count) {
     const std::size_t directoryEnd = kIconHeaderBytes + kIconDirectoryEntryBytes * count;
     std::size_t total = directoryEnd;

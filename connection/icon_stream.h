@@ -45,6 +45,15 @@ struct IconImage {
                           const std::vector<std::uint8_t>& andBits);
 };
 
+// A black-and-white icon has no colour bitmap: its mask bitmap is twice as high, the
+// upper half holding the AND mask and the lower half the XOR bits. Read bottom-up at 1
+// bit per pixel, its first `height` rows are therefore the XOR bits and the next `height`
+// rows the AND mask, the order an icon resource keeps them in. Gives a 1-bit image with
+// the colour table black, white. Throws std::invalid_argument when the bits are not
+// exactly 2 x height rows of a 1-bit row of `width` pixels.
+IconImage MakeMonochromeIconImage(std::int32_t width, std::int32_t height,
+                                  const std::vector<std::uint8_t>& doubleMaskBits);
+
 // Header, directory entries (offsets counted from the start) and the images in order.
 std::vector<std::uint8_t> BuildIconStream(const IconImage* images, std::size_t count);
 

@@ -1,20 +1,194 @@
 #include "pages/option_page.h"
 
+#include <shellapi.h>
+#include <shlwapi.h>
+
+#include <optional>
+#include <string>
+
+#include "common/win_handles.h"
+#include "pages/icon_size_setting.h"
+#include "pages/message_format.h"
+#include "pages/open_file_dialog.h"
+#include "pages/option_page_rules.h"
 #include "pages/resize_maps.h"
+#include "resources/local_string_cache.h"
+#include "shellext/vqcprop_module.h"
+
+namespace {
+
+// The owner-draw numbers of the rules are the system's.
+static_assert(option_page::kDrawEntire == ODA_DRAWENTIRE && option_page::kDrawSelect == ODA_SELECT &&
+              option_page::kDrawFocus == ODA_FOCUS);
+static_assert(option_page::kStateSelected == ODS_SELECTED && option_page::kStateFocus == ODS_FOCUS);
+static_assert(option_page::kColourWindow == COLOR_WINDOW && option_page::kColourHighlight == COLOR_HIGHLIGHT);
+static_assert(option_page::kIconListId == CVQCOptionPage::kIconListId);
+
+constexpr std::size_t kPathBufferChars = 261;
+
+// The full path of this DLL's own file (the fallback icon source).
+std::string ModulePath() {
+    char path[kPathBufferChars] = {};
+    const DWORD length = GetModuleFileNameA(TheModule().instance, path, static_cast<DWORD>(sizeof(path)));
+    return std::string(path, length < sizeof(path) ? length : 0);
+}
+
+void ShowIcon(HWND view, HICON icon) noexcept { SendMessageA(view, STM_SETICON, reinterpret_cast<WPARAM>(icon), 0); }
+
+}  // namespace
 
 CVQCOptionPage::CVQCOptionPage(VQCFileInfo* record, const char* title)
-    : CVQCPropertyPageImpl(record, kTemplateIndex, title) {}
+    : CVQCPropertyPageImpl(record, kTemplateIndex, title), m_iconSize(ReadShellIconSize()) {}
+
+CVQCOptionPage::~CVQCOptionPage() { ClearIconList(); }
 
 const ResizeMapEntry* CVQCOptionPage::ResizeMap() noexcept { return kOptionPageResizeMap; }
 
 // ---- The page's own messages -------------------------------------------------------
-bool CVQCOptionPage::OnPageMessage(UINT message, WPARAM, LPARAM, LRESULT& result) {
+bool CVQCOptionPage::OnPageMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
     switch (message) {
     case WM_INITDIALOG:
-        DlgResize_Init();
+        OnInitDialog();
+        result = 0;
+        return true;
+    case WM_DESTROY:
+        ClearIconList();
+        m_iconList.Attach(nullptr);  // the list goes with the page; its handle must not be used again
+        result = 0;
+        return true;
+    case WM_COMMAND:
+        if (!OnCommand(LOWORD(wParam), HIWORD(wParam))) return false;
         result = 0;
         return true;
     default:
         return false;
     }
+}
+
+void CVQCOptionPage::OnInitDialog() {
+    DlgResize_Init();
+    m_browseButton = Control(kBrowseButtonId);
+    m_dynamicSizing = Control(kDynamicSizingId);
+    m_iconList.Attach(Control(kIconListId));
+    m_smallIconView = Control(kSmallIconViewId);
+    m_largeIconView = Control(kLargeIconViewId);
+    m_sourceLabel = Control(kSourceLabelId);
+    VQCFileInfo* record = Record();
+    if (!record) return;
+
+    // The installed client's icons first; without a client this DLL's own.
+    m_iconFile = record->clientPath;
+    if (m_iconFile.empty()) m_iconFile = ModulePath();
+    UpdateSourceLabel();
+    FillIconList();
+    // A file without an icon takes the first one listed; the next Apply writes it.
+    if (!record->icon) SelectIcon(0);
+    ShowRecordIcons();
+    SendMessageA(m_dynamicSizing, BM_SETCHECK,
+                 option_page::DynamicSizingChecked(record->option_s) ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+bool CVQCOptionPage::OnCommand(int id, UINT code) {
+    switch (id) {
+    case kBrowseButtonId:
+        if (code == BN_CLICKED && Record()) OnBrowse();
+        return true;
+    case kIconListId:
+        if (code == LBN_SELCHANGE && Record()) {
+            const LRESULT index = SendMessageA(m_iconList.Window(), LB_GETCURSEL, 0, 0);
+            if (index == LB_ERR) return true;
+            SelectIcon(static_cast<int>(index));
+            SendChanged();
+        }
+        return true;
+    case kDynamicSizingId:
+        if (code == BN_CLICKED && Record()) {
+            const bool checked = SendMessageA(m_dynamicSizing, BM_GETCHECK, 0, 0) == BST_CHECKED;
+            Record()->option_s = option_page::OptionSFromCheck(checked);
+            SendChanged();
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Another icon source: the list and the label follow it, the record only when the user
+// then picks an icon.
+void CVQCOptionPage::OnBrowse() {
+    OpenFileDialog dialog(m_iconFile.c_str(), kBrowseFlags, GetLocalString(kFilterStringId), Window());
+    if (dialog.DoModal() != IDOK) return;
+    m_iconFile = dialog.FilePath();
+    UpdateSourceLabel();
+    FillIconList();
+}
+
+// ---- The icon source and the list ----------------------------------------------------
+void CVQCOptionPage::UpdateSourceLabel() {
+    std::string name = m_iconFile;
+    PathStripPathA(name.data());
+    name.resize(std::char_traits<char>::length(name.c_str()));
+    const char* pattern = GetLocalString(kSourceLabelStringId);
+    const std::optional<std::string> label = FormatMessageText(pattern ? pattern : "", name);
+    SetWindowTextA(m_sourceLabel, label ? label->c_str() : "");
+}
+
+void CVQCOptionPage::FillIconList() {
+    ClearIconList();
+    const auto count = reinterpret_cast<INT_PTR>(ExtractIconA(TheModule().instance, m_iconFile.c_str(), UINT(-1)));
+    if (count <= 0) return;
+    for (INT_PTR i = 0; i < count; ++i) {
+        HICON large = nullptr;
+        HICON small = nullptr;
+        const UINT extracted = ExtractIconExA(m_iconFile.c_str(), static_cast<int>(i), &large, &small, 1);
+        if (!option_page::ExtractionSucceeded(extracted)) continue;
+        UniqueIcon ownedLarge(large);
+        const UniqueIcon ownedSmall(small);
+        if (option_page::IconIsListed(extracted, ownedSmall.get() != nullptr)) m_iconList.Add(std::move(ownedLarge));
+    }
+}
+
+void CVQCOptionPage::ClearIconList() noexcept { m_iconList.Clear(); }
+
+void CVQCOptionPage::SelectIcon(int index) {
+    VQCFileInfo* record = Record();
+    if (index < 0 || !record) return;
+    const HICON listed = m_iconList.IconAt(index);
+    record->icon.reset();
+    record->icon.reset(listed ? CopyIcon(listed) : nullptr);
+    ShowIcon(m_largeIconView, record->icon.get());
+
+    HICON small = nullptr;
+    const UINT extracted = ExtractIconExA(m_iconFile.c_str(), index, nullptr, &small, 1);
+    if (option_page::ExtractionSucceeded(extracted) && small) {
+        const UniqueIcon extractedSmall(small);
+        record->smallIcon.reset(CopyIcon(extractedSmall.get()));
+    }
+    ShowRecordIcons();
+}
+
+void CVQCOptionPage::ShowRecordIcons() const noexcept {
+    const VQCFileInfo* record = Record();
+    if (!record) return;
+    ShowIcon(m_smallIconView, record->smallIcon.get());
+    ShowIcon(m_largeIconView, record->icon.get());
+}
+
+// ---- Owner draw ---------------------------------------------------------------------
+void CVQCOptionPage::MeasureItem(MEASUREITEMSTRUCT* item) {
+    const int extent = option_page::ItemExtent(m_iconSize);
+    item->itemWidth = static_cast<UINT>(extent);
+    item->itemHeight = static_cast<UINT>(extent);
+}
+
+void CVQCOptionPage::DrawItem(DRAWITEMSTRUCT* item) {
+    const option_page::ItemPaint paint = option_page::PlanItemPaint(
+        item->CtlID, static_cast<std::int32_t>(item->itemID), item->itemAction, item->itemState);
+    if (paint.background) {
+        FillRect(item->hDC, &item->rcItem, GetSysColorBrush(paint.colour));
+        const option_page::ItemPoint at = option_page::IconOrigin(
+            {item->rcItem.left, item->rcItem.top, item->rcItem.right, item->rcItem.bottom}, m_iconSize);
+        DrawIconEx(item->hDC, at.x, at.y, reinterpret_cast<HICON>(item->itemData), 0, 0, 0, nullptr, DI_NORMAL);
+    }
+    if (paint.focus) DrawFocusRect(item->hDC, &item->rcItem);
 }

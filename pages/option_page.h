@@ -4,9 +4,12 @@
 #pragma once
 
 #include <windows.h>
+#include <commdlg.h>
 
 #include <cstdint>
+#include <string>
 
+#include "pages/icon_list_box.h"
 #include "pages/owner_draw_router.h"
 #include "pages/property_page.h"
 #include "pages/resize_layout.h"
@@ -16,13 +19,33 @@ class CVQCOptionPage final : public CVQCPropertyPageImpl<CVQCOptionPage>,
 public:
     static constexpr int kTemplateIndex = 3;
     static constexpr std::uint32_t kTitleStringId = 23;
+    static constexpr std::uint32_t kSourceLabelStringId = 24;  // "Look for icons in: %1"
+    static constexpr std::uint32_t kFilterStringId = 40;       // the browse dialog's filter list
+    static constexpr DWORD kBrowseFlags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY;
+
+    // Control ids of template 3.
+    static constexpr int kLargeIconViewId = 1037;
+    static constexpr int kSmallIconViewId = 1038;
+    static constexpr int kSourceLabelId = 1039;
+    static constexpr int kBrowseButtonId = 1040;
+    static constexpr int kIconListId = 1041;
+    static constexpr int kDynamicSizingId = 1042;
 
     // record may be null (the page then shows its controls and changes nothing); title is
-    // the tab's text or null.
+    // the tab's text or null. Reads the desktop's icon size.
     CVQCOptionPage(VQCFileInfo* record, const char* title);
+    ~CVQCOptionPage() override;
 
     static const ResizeMapEntry* ResizeMap() noexcept;
 
+    // The owner-draw hooks (OwnerDrawRouter): every item of the icon list is a square of
+    // one and a half icon sizes with the item's icon centred as the nominal size would be.
+    void MeasureItem(MEASUREITEMSTRUCT* item);
+    void DrawItem(DRAWITEMSTRUCT* item);
+
+    // What the page holds, for tests.
+    int IconSize() const noexcept { return m_iconSize; }
+    const std::string& IconFile() const noexcept { return m_iconFile; }
 
 private:
     friend class CVQCPropertyPageImpl<CVQCOptionPage>;
@@ -31,4 +54,27 @@ private:
     // The page's own message entries, tried before resizing, owner draw and the sheet
     // notifications.
     bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+    void OnInitDialog();
+    // True when the command was one of the page's own.
+    bool OnCommand(int id, UINT code);
+    void OnBrowse();
+
+    // The label above the list: the source file's bare name put into string 24.
+    void UpdateSourceLabel();
+    // Every icon of m_iconFile whose two sizes extract, in the file's order.
+    void FillIconList();
+    void ClearIconList() noexcept;
+    // Item index's icon becomes the record's icon; its small icon comes from the file's
+    // icon of the same index. Nothing for a negative index.
+    void SelectIcon(int index);
+    void ShowRecordIcons() const noexcept;
+
+    int m_iconSize;
+    HWND m_browseButton = nullptr;
+    HWND m_dynamicSizing = nullptr;
+    IconListBox m_iconList;  // control 1041; owns its items' icons
+    HWND m_smallIconView = nullptr;
+    HWND m_largeIconView = nullptr;
+    HWND m_sourceLabel = nullptr;
+    std::string m_iconFile;
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -283,4 +284,144 @@ TEST(IconCodec, TruncatedTextMakesNoIconButDoesNotFail) {
     EXPECT_EQ(DecodeIcons(text.c_str(), &icon, &small), 1);
     const UniqueIcon owned(icon);
     EXPECT_EQ(small, nullptr);
+}
+
+namespace {
+
+constexpr COLORREF kGreenish = RGB(0x20, 0xC0, 0x60);
+constexpr COLORREF kPurple = RGB(0x90, 0x10, 0xA0);
+
+// What DrawIconEx gives for a black-and-white icon over `background` (0x00RRGGBB): the
+// AND bit keeps or clears the background, the XOR bit then inverts it.
+std::vector<std::uint32_t> ExpectedMonochromeDrawing(int size, std::uint32_t background) {
+    std::vector<std::uint32_t> pixels;
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x) {
+            const std::uint32_t kept = MonochromeAndBit(x, y) ? background : 0;
+            pixels.push_back(MonochromeXorBit(x, y) ? kept ^ 0x00FFFFFF : kept);
+        }
+    return pixels;
+}
+
+std::uint32_t Rgb(COLORREF colour) {
+    return (std::uint32_t{GetRValue(colour)} << 16) | (std::uint32_t{GetGValue(colour)} << 8) | GetBValue(colour);
+}
+
+}  // namespace
+
+TEST(IconCodec, BlackAndWhiteIconHasNoColourBitmapAndAMaskTwiceAsHigh) {
+    const UniqueIcon icon(MakeMonochromeTestIcon(32));
+    ASSERT_TRUE(icon);
+    ICONINFO info{};
+    info.hbmColor = reinterpret_cast<HBITMAP>(static_cast<std::uintptr_t>(0xdeadbeef));
+    ASSERT_TRUE(GetIconInfo(icon.get(), &info));
+    const UniqueGdiObject colour(info.hbmColor);
+    const UniqueGdiObject mask(info.hbmMask);
+    EXPECT_EQ(info.hbmColor, nullptr);
+    BITMAP bitmap{};
+    ASSERT_TRUE(GetObjectA(info.hbmMask, sizeof(bitmap), &bitmap));
+    EXPECT_EQ(bitmap.bmWidth, 32);
+    EXPECT_EQ(bitmap.bmHeight, 64);
+    EXPECT_EQ(bitmap.bmBitsPixel, 1);
+}
+
+TEST(IconCodec, BlackAndWhiteMaskHoldsTheAndRowsAboveTheXorRows) {
+    const UniqueIcon icon(MakeMonochromeTestIcon(32));
+    ICONINFO info{};
+    ASSERT_TRUE(GetIconInfo(icon.get(), &info));
+    const UniqueGdiObject colour(info.hbmColor);
+    const UniqueGdiObject mask(info.hbmMask);
+    // 64 rows bottom-up, 4 bytes each: buffer row r is picture row 63 - r.
+    const std::vector<std::uint8_t> bits = BitsOf(info.hbmMask, 32, 64, 1);
+    ASSERT_EQ(bits.size(), 64u * 4u);
+    for (int pictureRow = 0; pictureRow < 64; ++pictureRow) {
+        const int y = pictureRow % 32;
+        for (int x = 0; x < 32; ++x) {
+            const bool bit = (bits[(63 - pictureRow) * 4 + x / 8] & (0x80 >> (x % 8))) != 0;
+            const bool expected = pictureRow < 32 ? MonochromeAndBit(x, y) : MonochromeXorBit(x, y);
+            ASSERT_EQ(bit, expected) << "picture row " << pictureRow << ", x " << x;
+        }
+    }
+}
+
+TEST(IconCodec, BlackAndWhiteIconDrawsAndThenXor) {
+    const UniqueIcon icon(MakeMonochromeTestIcon(32));
+    EXPECT_EQ(RenderedIcon(icon.get(), 32, kGreenish), ExpectedMonochromeDrawing(32, Rgb(kGreenish)));
+    EXPECT_EQ(RenderedIcon(icon.get(), 32, kPurple), ExpectedMonochromeDrawing(32, Rgb(kPurple)));
+}
+
+TEST(IconCodec, BlackAndWhiteIconIsEncodedAsOneBitImageWithBlackAndWhite) {
+    const UniqueIcon icon(MakeMonochromeTestIcon(32));
+    std::uint64_t size = 0;
+    const std::string text = WithoutLineBreaks(Encode(icon.get(), nullptr, &size));
+    const std::uint64_t bytes = 6 + 16 + 40 + 8 + 32 * (4 + 4);
+    EXPECT_EQ(bytes, 326u);
+    EXPECT_EQ(size, 2 * bytes + 2 * (bytes / 32) + 1);
+    ASSERT_EQ(text.size(), 2 * bytes);
+    // One image: 32 x 32, 2 colours, 1 plane, 1 bit, 304 (0x130) bytes at offset 22.
+    EXPECT_EQ(text.substr(0, 12), "000001000100");
+    EXPECT_EQ(text.substr(12, 32), "20200200010001003001000016000000");
+    // Its header: height 64, 1 plane, 1 bit, image size 0; then black and white.
+    EXPECT_EQ(text.substr(44, 96),
+              "2800000020000000400000000100010000000000000000000000000000000000000000000000000000000000FFFFFF00");
+    // First XOR row is the bottom picture row 31, first AND row the bottom row of the AND plane.
+    std::string xorRow, andRow;
+    for (int byte = 0; byte < 4; ++byte) {
+        int x = 0, a = 0;
+        for (int bit = 0; bit < 8; ++bit) {
+            x = (x << 1) | (MonochromeXorBit(byte * 8 + bit, 31) ? 1 : 0);
+            a = (a << 1) | (MonochromeAndBit(byte * 8 + bit, 31) ? 1 : 0);
+        }
+        char digits[5];
+        std::snprintf(digits, sizeof(digits), "%02X", x);
+        xorRow += digits;
+        std::snprintf(digits, sizeof(digits), "%02X", a);
+        andRow += digits;
+    }
+    EXPECT_EQ(text.substr(140, 8), xorRow);
+    EXPECT_EQ(text.substr(140 + 32 * 8, 8), andRow);
+}
+
+TEST(IconCodec, BlackAndWhiteIconRoundTripsWithItsSizePixelsAndMask) {
+    const UniqueIcon original(MakeMonochromeTestIcon(32));
+    const std::string text = Encode(original.get(), nullptr);
+    ASSERT_FALSE(text.empty());
+    HICON decoded = kUnset, decodedSmall = kUnset;
+    EXPECT_EQ(DecodeIcons(text.c_str(), &decoded, &decodedSmall), 1);
+    const UniqueIcon icon(decoded);
+    EXPECT_EQ(decodedSmall, nullptr);
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(IconSize(icon.get()).cx, 32);
+    EXPECT_EQ(IconSize(icon.get()).cy, 32);
+    for (COLORREF background : {kGreenish, kPurple})
+        EXPECT_EQ(RenderedIcon(icon.get(), 32, background), ExpectedMonochromeDrawing(32, Rgb(background)));
+    EXPECT_EQ(RenderedIcon(icon.get(), 32, kGreenish, DI_MASK), RenderedIcon(original.get(), 32, kGreenish, DI_MASK));
+}
+
+TEST(IconCodec, BlackAndWhitePairKeepsBothImages) {
+    const UniqueIcon large(MakeMonochromeTestIcon(32));
+    const UniqueIcon small(MakeMonochromeTestIcon(16));
+    const std::string text = Encode(large.get(), small.get());
+    const std::string flat = WithoutLineBreaks(text);
+    EXPECT_EQ(flat.substr(0, 12), "000001000200");
+    // Second entry: 16 x 16, 2 colours, 1 bit, 40 + 8 + 16 x 8 = 176 (0xB0) bytes at
+    // 6 + 32 + 304 = 342 (0x156).
+    EXPECT_EQ(flat.substr(44, 32), "1010020001000100B000000056010000");
+
+    HICON decoded = kUnset, decodedSmall = kUnset;
+    EXPECT_EQ(DecodeIcons(text.c_str(), &decoded, &decodedSmall), 1);
+    const UniqueIcon icon(decoded), smallIcon(decodedSmall);
+    ASSERT_TRUE(icon);
+    ASSERT_TRUE(smallIcon);
+    ASSERT_EQ(GetSystemMetrics(SM_CXSMICON), 16);
+    EXPECT_EQ(IconSize(smallIcon.get()).cx, 16);
+    EXPECT_EQ(RenderedIcon(smallIcon.get(), 16, kPurple), ExpectedMonochromeDrawing(16, Rgb(kPurple)));
+    EXPECT_EQ(RenderedIcon(icon.get(), 32, kPurple), ExpectedMonochromeDrawing(32, Rgb(kPurple)));
+}
+
+TEST(IconCodec, CopyOfABlackAndWhiteIconIsEncodedLikeTheOriginal) {
+    const UniqueIcon original(MakeMonochromeTestIcon(32));
+    const UniqueIcon copy(CopyIcon(original.get()));
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(Encode(copy.get(), nullptr), Encode(original.get(), nullptr));
 }

@@ -2,6 +2,7 @@
 // parser's reading of digits, refusals and limits.
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -186,4 +187,67 @@ TEST(IconStream, MakeRefusesPartsOfTheWrongSize) {
     f.bitsPerPixel = 4;
     EXPECT_THROW(IconImage::Make(f, {}, std::vector<std::uint8_t>(32), std::vector<std::uint8_t>(32)),
                  std::invalid_argument);
+}
+
+namespace {
+
+// A double-height mask of a 32-pixel-wide black-and-white icon, bottom-up: every byte
+// of the first half (the XOR bits) is 0xA0 + row, every byte of the second (AND) 0x50 + row.
+std::vector<std::uint8_t> DoubleMask(int height) {
+    std::vector<std::uint8_t> bits;
+    for (int row = 0; row < 2 * height; ++row)
+        bits.insert(bits.end(), 4,
+                    static_cast<std::uint8_t>(row < height ? 0xA0 + row : 0x50 + (row - height)));
+    return bits;
+}
+
+}  // namespace
+
+TEST(IconStream, MonochromeImageTakesXorFromTheLowerRowsAndAndFromTheUpper) {
+    const IconImage image = MakeMonochromeIconImage(32, 4, DoubleMask(4));
+    EXPECT_EQ(image.format.width, 32);
+    EXPECT_EQ(image.format.height, 4);
+    EXPECT_EQ(image.format.planes, 1);
+    EXPECT_EQ(image.format.bitsPerPixel, 1);
+    const std::vector<std::uint8_t> expected = {
+        40, 0, 0, 0, 32, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0,  // size, width, height x 2, planes, bits
+        0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    // compression, image size, resolution
+        0, 0, 0, 0, 0, 0, 0, 0,                            // colours used, important
+        0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0,                   // black, white
+        0xA0, 0xA0, 0xA0, 0xA0, 0xA1, 0xA1, 0xA1, 0xA1,    // XOR rows 0 and 1
+        0xA2, 0xA2, 0xA2, 0xA2, 0xA3, 0xA3, 0xA3, 0xA3,    // XOR rows 2 and 3
+        0x50, 0x50, 0x50, 0x50, 0x51, 0x51, 0x51, 0x51,    // AND rows 0 and 1
+        0x52, 0x52, 0x52, 0x52, 0x53, 0x53, 0x53, 0x53};   // AND rows 2 and 3
+    EXPECT_EQ(image.dib, expected);
+}
+
+TEST(IconStream, MonochromeThirtyTwoPixelIconIs326BytesWithTwoColours) {
+    const IconImage image = MakeMonochromeIconImage(32, 32, DoubleMask(32));
+    EXPECT_EQ(image.dib.size(), 40u + 8u + 32u * (4u + 4u));
+    EXPECT_EQ(IconImageBytes(image.format), 304u);
+    const std::vector<std::uint8_t> stream = BuildIconStream(&image, 1);
+    ASSERT_EQ(stream.size(), 6u + 16u + 304u);
+    const std::vector<std::uint8_t> entry(stream.begin() + 6, stream.begin() + 22);
+    EXPECT_EQ(entry, (std::vector<std::uint8_t>{32, 32, 2, 0, 1, 0, 1, 0, 0x30, 1, 0, 0, 22, 0, 0, 0}));
+}
+
+TEST(IconStream, MonochromeRowsArePaddedToFourBytes) {
+    // 20 pixels fit in 3 bytes; each row of either half takes 4.
+    std::vector<std::uint8_t> bits(2 * 3 * 4);
+    for (std::size_t i = 0; i < bits.size(); ++i) bits[i] = static_cast<std::uint8_t>(i);
+    const IconImage image = MakeMonochromeIconImage(20, 3, bits);
+    ASSERT_EQ(image.dib.size(), 40u + 8u + 3u * 8u);
+    EXPECT_EQ(std::vector<std::uint8_t>(image.dib.begin() + 48, image.dib.begin() + 60),
+              std::vector<std::uint8_t>(bits.begin(), bits.begin() + 12));
+    EXPECT_EQ(std::vector<std::uint8_t>(image.dib.begin() + 60, image.dib.end()),
+              std::vector<std::uint8_t>(bits.begin() + 12, bits.end()));
+}
+
+TEST(IconStream, MonochromeImageRefusesBitsOfTheWrongSize) {
+    EXPECT_THROW(MakeMonochromeIconImage(32, 4, std::vector<std::uint8_t>(31)), std::invalid_argument);
+    EXPECT_THROW(MakeMonochromeIconImage(32, 4, std::vector<std::uint8_t>(33)), std::invalid_argument);
+    EXPECT_THROW(MakeMonochromeIconImage(0, 4, std::vector<std::uint8_t>()), std::invalid_argument);
+    EXPECT_THROW(MakeMonochromeIconImage(32, 0, std::vector<std::uint8_t>()), std::invalid_argument);
+    EXPECT_THROW(MakeMonochromeIconImage(32, -4, std::vector<std::uint8_t>(32)), std::invalid_argument);
+    EXPECT_NO_THROW(MakeMonochromeIconImage(32, 4, std::vector<std::uint8_t>(32)));
 }

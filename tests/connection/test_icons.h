@@ -73,3 +73,53 @@ inline SIZE IconSize(HICON icon) {
     }
     return size;
 }
+
+// The two planes of a black-and-white test icon, top-down: the AND bit (1 keeps the
+// background) is a 4-pixel checker board, the XOR bit (1 inverts) stripes two pixels
+// wide, so all four combinations occur.
+inline bool MonochromeAndBit(int x, int y) { return (x / 4 + y / 4) % 2 != 0; }
+inline bool MonochromeXorBit(int x, int y) { return ((x ^ y) & 2) != 0; }
+
+// A black-and-white icon as CreateIcon makes one from 1-bit planes: it has no colour
+// bitmap, only the double-height mask.
+inline HICON MakeMonochromeTestIcon(int size) {
+    const int rowBytes = (size + 15) / 16 * 2;  // device-dependent rows are word-aligned
+    std::vector<std::uint8_t> andBits(static_cast<std::size_t>(rowBytes) * size, 0);
+    std::vector<std::uint8_t> xorBits(andBits.size(), 0);
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x) {
+            const auto bit = static_cast<std::uint8_t>(0x80 >> (x % 8));
+            if (MonochromeAndBit(x, y)) andBits[y * rowBytes + x / 8] |= bit;
+            if (MonochromeXorBit(x, y)) xorBits[y * rowBytes + x / 8] |= bit;
+        }
+    return CreateIcon(nullptr, size, size, 1, 1, andBits.data(), xorBits.data());
+}
+
+// The icon drawn with DrawIconEx (its own size) over a square of `background`, top-down
+// 0x00RRGGBB pixels.
+inline std::vector<std::uint32_t> RenderedIcon(HICON icon, int size, COLORREF background,
+                                               UINT flags = DI_NORMAL) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    info.bmiHeader.biWidth = size;
+    info.bmiHeader.biHeight = -size;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    void* bits = nullptr;
+    const UniqueGdiObject section(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    std::vector<std::uint32_t> pixels;
+    if (!section || !bits) return pixels;
+    {
+        const UniqueMemoryDC dc(CreateCompatibleDC(nullptr));
+        const SelectedObject selected(dc.get(), section.get());
+        const UniqueGdiObject brush(CreateSolidBrush(background));
+        const RECT all{0, 0, size, size};
+        FillRect(dc.get(), &all, static_cast<HBRUSH>(brush.get()));
+        DrawIconEx(dc.get(), 0, 0, icon, 0, 0, 0, nullptr, flags);
+        GdiFlush();
+    }
+    const auto* p = static_cast<const std::uint32_t*>(bits);
+    for (int i = 0; i < size * size; ++i) pixels.push_back(p[i] & 0x00FFFFFF);
+    return pixels;
+}

@@ -2,8 +2,10 @@
 // option order, quoting, the icon block and the failures of creating the file.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "connection/icon_codec.h"
 #include "connection/option_line.h"
@@ -270,6 +272,56 @@ TEST(Writer, IconBlockStandsOnItsOwnLineInQuotes) {
     const std::string content = Written(*r);
     EXPECT_EQ(content, "-h h \r\n-I \"" + hex + "\" ");
     EXPECT_NE(hex.find("\r\n"), std::string::npos);
+}
+
+TEST(Writer, BlackAndWhiteIconIsWrittenAndReadBackWithItsPixelsAndMask) {
+    TempFile file("bw-icon");
+    auto w = Fresh();
+    w->host = "server";
+    w->SetIcons(MakeMonochromeTestIcon(32), MakeMonochromeTestIcon(16));
+    ASSERT_EQ(w->Write(file.path()), 0);
+    const std::string content = file.Content();
+    // The first directory entry: 32 x 32, 2 colours, 1 plane, 1 bit per pixel.
+    EXPECT_EQ(content.substr(16 + 12, 16), "2020020001000100");
+    EXPECT_EQ(content, "-h server \r\n-I \"" + IconHex(w->icon.get(), w->smallIcon.get()) + "\" ");
+
+    auto r = Fresh();
+    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_TRUE(r->icon);
+    ASSERT_TRUE(r->smallIcon);
+    EXPECT_EQ(IconSize(r->icon.get()).cx, 32);
+    EXPECT_EQ(IconSize(r->icon.get()).cy, 32);
+    EXPECT_EQ(IconSize(r->smallIcon.get()).cx, GetSystemMetrics(SM_CXSMICON));
+    for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
+        EXPECT_EQ(RenderedIcon(r->icon.get(), 32, background), RenderedIcon(w->icon.get(), 32, background));
+        EXPECT_EQ(RenderedIcon(r->smallIcon.get(), 16, background),
+                  RenderedIcon(w->smallIcon.get(), 16, background));
+    }
+    EXPECT_EQ(RenderedIcon(r->icon.get(), 32, 0, DI_MASK), RenderedIcon(w->icon.get(), 32, 0, DI_MASK));
+}
+
+TEST(Writer, FourBitIconIsWrittenAndReadBackWithItsPixelsAndMask) {
+    TempFile file("4bit-icon");
+    auto w = Fresh();
+    w->host = "server";
+    w->SetIcons(MakeTestIcon(32, 4), MakeTestIcon(16, 4, 2));
+    ASSERT_EQ(w->Write(file.path()), 0);
+    auto r = Fresh();
+    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_TRUE(r->icon);
+    ASSERT_TRUE(r->smallIcon);
+    EXPECT_EQ(IconSize(r->icon.get()).cx, 32);
+    EXPECT_EQ(IconSize(r->icon.get()).cy, 32);
+    for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
+        EXPECT_EQ(RenderedIcon(r->icon.get(), 32, background), RenderedIcon(w->icon.get(), 32, background));
+        EXPECT_EQ(RenderedIcon(r->smallIcon.get(), 16, background),
+                  RenderedIcon(w->smallIcon.get(), 16, background));
+    }
+    EXPECT_EQ(RenderedIcon(r->icon.get(), 32, 0, DI_MASK), RenderedIcon(w->icon.get(), 32, 0, DI_MASK));
+    // The drawing uses the whole palette, so equal drawings mean equal icons.
+    std::vector<std::uint32_t> drawn = RenderedIcon(r->icon.get(), 32, RGB(0x20, 0xC0, 0x60));
+    std::sort(drawn.begin(), drawn.end());
+    EXPECT_GE(std::unique(drawn.begin(), drawn.end()) - drawn.begin(), 16);
 }
 
 TEST(Writer, SmallIconAloneIsLeftOut) {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "pages/connection_page.h"
-#include "pages/option_page.h"
 #include "pages/property_page.h"
 #include "pages/resize_maps.h"
 #include "tests/pages/page_test_support.h"
@@ -38,6 +37,21 @@ public:
 
     std::vector<UINT> drawn;
     std::vector<UINT> measured;
+};
+
+// A page on the Options template that keeps every default hook.
+class DefaultHooksPage final : public CVQCPropertyPageImpl<DefaultHooksPage>,
+                               public OwnerDrawRouter<DefaultHooksPage> {
+public:
+    DefaultHooksPage(VQCFileInfo* record, const char* title) : CVQCPropertyPageImpl(record, 3, title) {}
+    static const ResizeMapEntry* ResizeMap() noexcept { return kOptionPageResizeMap; }
+
+    bool OnPageMessage(UINT message, WPARAM, LPARAM, LRESULT& result) {
+        if (message != WM_INITDIALOG) return false;
+        DlgResize_Init();
+        result = TRUE;
+        return true;
+    }
 };
 
 }  // namespace
@@ -120,7 +134,7 @@ TEST(OwnerDrawRouter, CompareAndDeleteKeepTheDefaults) {
 
 TEST(OwnerDrawRouter, DefaultMeasureGivesALineOfTheControlsFontOrAMenuBar) {
     DirectSheet sheet;
-    auto* page = sheet.Add<CVQCOptionPage>(nullptr);
+    auto* page = sheet.Add<DefaultHooksPage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
     const HWND list = PageControl(page->Window(), 1041);
     const HDC dc = GetDC(list);
