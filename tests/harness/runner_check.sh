@@ -56,8 +56,9 @@ CMAKE
     printf '%s\n' "$output"
     [ "$status" -ne 0 ] || fail "a hanging test must fail the run"
     grep -Eq 'Hang\.Forever \.*\*\*\*Timeout' <<<"$output" || fail "the hang must be reported as a timeout"
-    for _ in $(seq 50); do pgrep -f hang_probe.exe >/dev/null || break; sleep 0.1; done
-    if pgrep -af hang_probe.exe; then fail "the hanging program is still running"; fi ;;
+    # By its full path: other builds on the machine may run a hang_probe of their own.
+    for _ in $(seq 50); do pgrep -f "$probes/hang_probe.exe" >/dev/null || break; sleep 0.1; done
+    if pgrep -af "$probes/hang_probe.exe"; then fail "the hanging program is still running"; fi ;;
 
   helpers-detached)
     # A program that touches the desktop, run the way every test runs; afterwards no

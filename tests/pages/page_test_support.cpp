@@ -2,6 +2,20 @@
 
 #include <utility>
 
+namespace {
+
+// A modeless PropertySheetA answers its window as an INT_PTR, which comes back
+// sign-extended when the handle's bit 31 is set, while GetParent and friends answer the
+// same window zero-extended. The system's own form is what the tests compare with.
+HWND SheetWindowFromResult(INT_PTR result) {
+    if (result == -1 || result == 0) return nullptr;
+    const HWND window = reinterpret_cast<HWND>(result);
+    const HWND own = GetAncestor(window, GA_ROOT);
+    return own ? own : window;
+}
+
+}  // namespace
+
 namespace page_test {
 
 std::string BuiltDllPath() { return VQC_DLL_PATH; }
@@ -121,7 +135,7 @@ HWND ShellPropertySheet::Show() {
     header.nPages = static_cast<UINT>(accepted_.size());
     header.phpage = accepted_.data();
     const INT_PTR result = PropertySheetA(&header);
-    sheet_ = result == -1 ? nullptr : reinterpret_cast<HWND>(result);
+    sheet_ = SheetWindowFromResult(result);
     PumpMessages();
     return sheet_;
 }
@@ -156,7 +170,7 @@ HWND DirectSheet::Show() {
     header.nPages = static_cast<UINT>(pages_.size());
     header.phpage = pages_.data();
     const INT_PTR result = PropertySheetA(&header);
-    sheet_ = result == -1 ? nullptr : reinterpret_cast<HWND>(result);
+    sheet_ = SheetWindowFromResult(result);
     PumpMessages();
     return sheet_;
 }
