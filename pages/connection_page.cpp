@@ -5,6 +5,7 @@
 
 #include "pages/connection_page_environment.h"
 #include "pages/resize_maps.h"
+#include "pages/scoped_flag.h"
 #include "resources/local_string_cache.h"
 
 using namespace connection_page;
@@ -74,11 +75,10 @@ void CVQCConnectionPage::OnInitDialog() {
     DlgResize_Init();
     for (std::size_t i = 0; i < kHandleIds.size(); ++i) handles_[i] = Control(kHandleIds[i]);
 
-    filling_ = true;
+    const ScopedFlag filling(filling_);
     FillLoginTypeList();
     FillConnectionTypeList();
     if (Record()) FillFromRecord();
-    filling_ = false;
 }
 
 void CVQCConnectionPage::FillLoginTypeList() {
@@ -251,8 +251,6 @@ void CVQCConnectionPage::ApplyLoginTypeRule() {
 }
 
 void CVQCConnectionPage::ShowText(HWND control, const std::string& text) {
-    const bool wasFilling = filling_;
-    filling_ = true;
+    const ScopedFlag filling(filling_);
     SetWindowTextA(control, text.c_str());
-    filling_ = wasFilling;
 }

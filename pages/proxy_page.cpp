@@ -1,26 +1,8 @@
 #include "pages/proxy_page.h"
 
-#include <utility>
-
 #include "pages/resize_maps.h"
+#include "pages/scoped_flag.h"
 #include "resources/local_string_cache.h"
-
-namespace {
-
-// Sets a flag for the life of the object.
-class ScopedFlag {
-public:
-    explicit ScopedFlag(bool& flag) noexcept : flag_(flag), previous_(std::exchange(flag, true)) {}
-    ~ScopedFlag() { flag_ = previous_; }
-    ScopedFlag(const ScopedFlag&) = delete;
-    ScopedFlag& operator=(const ScopedFlag&) = delete;
-
-private:
-    bool& flag_;
-    bool previous_;
-};
-
-}  // namespace
 
 CVQCProxyPage::CVQCProxyPage(VQCFileInfo* record, const char* title)
     : CVQCPropertyPageImpl(record, kTemplateIndex, title) {}
