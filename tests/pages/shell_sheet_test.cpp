@@ -2,6 +2,7 @@
 // beside it when a test wants one), its class factory, Initialize with the shell's selection
 // of a real file, AddPages, and a modeless sheet driven by the messages a user's clicks send.
 #include <windows.h>
+#include <shellapi.h>
 
 #include <gtest/gtest.h>
 
@@ -21,6 +22,23 @@ std::string WriterBytesFor(const std::string& path, int clientVersion = 726) {
     record.Read(path.c_str());
     record.clientVersion = clientVersion;
     TempFolder folder("expected");
+    const std::string copy = folder.File("expected.vqc");
+    record.Write(copy.c_str());
+    return ReadFileBytes(copy);
+}
+
+// What Apply writes once the Options page has been shown for a file without an icon: the
+// page adopts the first icon of its source (here the DLL itself, no client being installed)
+// at both sizes, as the user would see it in the page's icon views.
+std::string WriterBytesWithAdoptedIcon(const std::string& path, const std::string& iconSource) {
+    VQCFileInfo record(path.c_str());
+    record.refCount = 1;
+    record.Read(path.c_str());
+    HICON large = nullptr;
+    HICON small = nullptr;
+    ExtractIconExA(iconSource.c_str(), 0, &large, &small, 1);
+    record.SetIcons(large, small);
+    TempFolder folder("expected-icon");
     const std::string copy = folder.File("expected.vqc");
     record.Write(copy.c_str());
     return ReadFileBytes(copy);
@@ -167,7 +185,8 @@ TEST(ShellSheetPages, EachPageShowsItsTemplateAndControls) {
 
 TEST(ShellSheetApply, ApplyWritesOncePerCreatedPageWithIdenticalBytes) {
     DllWithFile setup("apply-all");
-    const std::string expected = WriterBytesFor(setup.file);
+    const std::string expected = WriterBytesWithAdoptedIcon(setup.file, setup.dll.dllPath());
+    ASSERT_NE(expected.find("-I \""), std::string::npos);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
     ShowPage(sheet.sheet(), 1);
@@ -198,7 +217,7 @@ TEST(ShellSheetApply, ApplyWithOnlyTheFirstPageCreatedWritesOnce) {
 
 TEST(ShellSheetApply, ApplyButtonWritesLikeTheMessage) {
     DllWithFile setup("apply-button");
-    const std::string expected = WriterBytesFor(setup.file);
+    const std::string expected = WriterBytesWithAdoptedIcon(setup.file, setup.dll.dllPath());
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
     ShowPage(sheet.sheet(), 2);

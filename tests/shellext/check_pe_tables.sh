@@ -20,7 +20,7 @@ if ! grep -Eq '^Name[[:space:]]+[0-9a-f]+ vqcprop64\.dll$' <<<"$tables"; then
   status=1
 fi
 
-system='^(kernel32|user32|gdi32|advapi32|shell32|shlwapi|ole32|oleaut32|comctl32|version|msvcrt|secur32|ntdll|uxtheme)\.dll$'
+system='^(kernel32|user32|gdi32|advapi32|shell32|shlwapi|ole32|oleaut32|comctl32|comdlg32|version|msvcrt|secur32|ntdll|uxtheme)\.dll$'
 imports=$(grep -E '^[[:space:]]*DLL Name:' <<<"$tables" | awk '{print $3}')
 if [ -z "$imports" ]; then
   echo "no import table found"
