@@ -27,10 +27,9 @@ std::string WriterBytesFor(const std::string& path, int clientVersion = 726) {
     return ReadFileBytes(copy);
 }
 
-// What Apply writes once the Options page has been shown for a file without an icon: the
-// page adopts the first icon of its source (here the DLL itself, no client being installed)
-// at both sizes, as the user would see it in the page's icon views.
-std::string WriterBytesWithAdoptedIcon(const std::string& path, const std::string& iconSource) {
+// Gives the connection file an icon of its own (the DLL's first icon), so that the Options
+// page, shown, has nothing to adopt and every page writes what the writer makes of the file.
+void EmbedIcon(const std::string& path, const std::string& iconSource) {
     VQCFileInfo record(path.c_str());
     record.refCount = 1;
     record.Read(path.c_str());
@@ -38,10 +37,7 @@ std::string WriterBytesWithAdoptedIcon(const std::string& path, const std::strin
     HICON small = nullptr;
     ExtractIconExA(iconSource.c_str(), 0, &large, &small, 1);
     record.SetIcons(large, small);
-    TempFolder folder("expected-icon");
-    const std::string copy = folder.File("expected.vqc");
-    record.Write(copy.c_str());
-    return ReadFileBytes(copy);
+    record.Write(path.c_str());
 }
 
 // A DLL copy, a connection file beside it, and the shell's sheet for that file.
@@ -185,7 +181,8 @@ TEST(ShellSheetPages, EachPageShowsItsTemplateAndControls) {
 
 TEST(ShellSheetApply, ApplyWritesOncePerCreatedPageWithIdenticalBytes) {
     DllWithFile setup("apply-all");
-    const std::string expected = WriterBytesWithAdoptedIcon(setup.file, setup.dll.dllPath());
+    EmbedIcon(setup.file, setup.dll.dllPath());
+    const std::string expected = WriterBytesFor(setup.file);
     ASSERT_NE(expected.find("-I \""), std::string::npos);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
@@ -217,7 +214,9 @@ TEST(ShellSheetApply, ApplyWithOnlyTheFirstPageCreatedWritesOnce) {
 
 TEST(ShellSheetApply, ApplyButtonWritesLikeTheMessage) {
     DllWithFile setup("apply-button");
-    const std::string expected = WriterBytesWithAdoptedIcon(setup.file, setup.dll.dllPath());
+    EmbedIcon(setup.file, setup.dll.dllPath());
+    const std::string expected = WriterBytesFor(setup.file);
+    ASSERT_NE(expected.find("-I \""), std::string::npos);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
     ShowPage(sheet.sheet(), 2);
