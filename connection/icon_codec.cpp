@@ -114,27 +114,42 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     }
 }
 
+HICON MakeIcon(const std::uint8_t* bytes, std::uint32_t size, int width, int height) {
+    // Too short to hold even a bitmap header: nothing to make an icon of.
+    if (size < kBitmapInfoHeaderBytes) return nullptr;
+    return CreateIconFromResourceEx(const_cast<PBYTE>(bytes), size, TRUE, kIconResourceVersion, width, height, 0);
+}
+
+// Makes image 0 at its own size and image 1 at the system small-icon size; with
+// keepImages, the block of every icon made stays beside it.
 class IconMaker : public IconImageSink {
 public:
-    IconMaker(HICON* iconOut, HICON* smallIconOut) : iconOut_(iconOut), smallIconOut_(smallIconOut) {}
+    IconMaker(DecodedIcon* icon, DecodedIcon* smallIcon, bool keepImages)
+        : icon_(icon), smallIcon_(smallIcon), keepImages_(keepImages) {}
 
     void TakeImage(std::uint32_t index, const std::uint8_t* bytes, std::uint32_t size) override {
-        // Too short to hold even a bitmap header: nothing to make an icon of.
-        if (size < kBitmapInfoHeaderBytes) return;
-        PBYTE data = const_cast<PBYTE>(bytes);
-        if (index == 0 && iconOut_) {
-            *iconOut_ = CreateIconFromResourceEx(data, size, TRUE, kIconResourceVersion, 0, 0, 0);
-        } else if (index == 1 && smallIconOut_) {
-            *smallIconOut_ = CreateIconFromResourceEx(data, size, TRUE, kIconResourceVersion,
-                                                      GetSystemMetrics(SM_CXSMICON),
-                                                      GetSystemMetrics(SM_CYSMICON), 0);
+        DecodedIcon* out = index == 0 ? icon_ : index == 1 ? smallIcon_ : nullptr;
+        if (!out) return;
+        if (index == 1) {
+            out->width = GetSystemMetrics(SM_CXSMICON);
+            out->height = GetSystemMetrics(SM_CYSMICON);
         }
+        out->handle = MakeIcon(bytes, size, out->width, out->height);
+        if (out->handle && keepImages_) out->image.assign(bytes, bytes + size);
     }
 
 private:
-    HICON* iconOut_;
-    HICON* smallIconOut_;
+    DecodedIcon* icon_;
+    DecodedIcon* smallIcon_;
+    bool keepImages_;
 };
+
+std::int32_t Decode(const char* text, DecodedIcon* icon, DecodedIcon* smallIcon, bool keepImages) {
+    if (icon) *icon = DecodedIcon{};
+    if (smallIcon) *smallIcon = DecodedIcon{};
+    IconMaker maker(icon, smallIcon, keepImages);
+    return ParseIconStream(text ? std::string_view(text) : std::string_view(), maker);
+}
 
 }  // namespace
 
@@ -157,8 +172,19 @@ std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon) {
 }
 
 std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut) {
-    if (iconOut) *iconOut = nullptr;
-    if (smallIconOut) *smallIconOut = nullptr;
-    IconMaker maker(iconOut, smallIconOut);
-    return ParseIconStream(text ? std::string_view(text) : std::string_view(), maker);
+    DecodedIcon icon, smallIcon;
+    const std::int32_t result =
+        Decode(text, iconOut ? &icon : nullptr, smallIconOut ? &smallIcon : nullptr, false);
+    if (iconOut) *iconOut = icon.handle;
+    if (smallIconOut) *smallIconOut = smallIcon.handle;
+    return result;
+}
+
+std::int32_t DecodeIconImages(const char* text, DecodedIcon* icon, DecodedIcon* smallIcon) {
+    return Decode(text, icon, smallIcon, true);
+}
+
+HICON RemakeIcon(const DecodedIcon& decoded) {
+    return MakeIcon(decoded.image.data(), static_cast<std::uint32_t>(decoded.image.size()), decoded.width,
+                    decoded.height);
 }

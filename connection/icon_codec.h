@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <vector>
 
 // With out null only measures; otherwise writes the text at *out (no terminator) and
 // advances *out past it. Returns the number of characters, line breaks included, plus
@@ -17,3 +18,20 @@ std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon);
 // into *smallIconOut at the system small-icon size. text may be null (no icons). The
 // result is ParseIconStream's: 0 for a refused header, else 1 (see icon_stream.h).
 std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut);
+
+// An icon the decoder made, with the image block it was made from and the size it was
+// asked for (0 by 0: the image's own size). The icon is the caller's.
+struct DecodedIcon {
+    HICON handle = nullptr;
+    std::vector<std::uint8_t> image;
+    int width = 0;
+    int height = 0;
+};
+
+// DecodeIcons, keeping each image block beside its icon (an icon that could not be made
+// keeps no block).
+std::int32_t DecodeIconImages(const char* text, DecodedIcon* icon, DecodedIcon* smallIcon);
+
+// A new icon made from a decoded image exactly as the decoder made the first one; null
+// when the block is empty or refused.
+HICON RemakeIcon(const DecodedIcon& decoded);

@@ -10,6 +10,7 @@
 
 #include "common/win_handles.h"
 #include "connection/connection_settings.h"
+#include "connection/record_icon.h"
 
 struct IconInstruction;
 
@@ -44,8 +45,8 @@ public:
     void ApplyIconInstruction(const IconInstruction& instruction);
 
     ULONG refCount = 0;
-    UniqueIcon icon;       // the file's own icon at its natural size (-I)
-    UniqueIcon smallIcon;  // the same icon at the system small-icon size
+    RecordIcon icon;       // the file's own icon at its natural size (-I)
+    RecordIcon smallIcon;  // the same icon at the system small-icon size
 
 private:
     std::int32_t ReadMapped(const char* path);

@@ -3,6 +3,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "common/hresult_error.h"
 #include "connection/argument_vector.h"
@@ -21,10 +22,10 @@ void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
     if (instruction.kind == IconInstruction::Kind::None) return;
     SetIcons(nullptr, nullptr);
     if (instruction.kind == IconInstruction::Kind::Decode) {
-        HICON large = nullptr;
-        HICON small = nullptr;
-        DecodeIcons(instruction.text, &large, &small);
-        SetIcons(large, small);
+        DecodedIcon large, small;
+        DecodeIconImages(instruction.text, &large, &small);
+        icon.ResetDecoded(std::move(large));
+        smallIcon.ResetDecoded(std::move(small));
     }
 }
 

@@ -41,6 +41,7 @@
 
 #include "common/ansi_text.h"
 #include "common/com_ptr.h"
+#include "common/same_window.h"
 #include "common/window_boundary.h"
 #include "connection/vqc_file_info.h"
 #include "pages/dialog_resizer.h"
@@ -210,7 +211,9 @@ protected:
     // its sheet is not answered. PSN_APPLY writes the whole record to its file; ten more
     // codes are answered 0 with nothing done; any other code is not answered.
     bool OnSheetNotification(const NMHDR& header, LRESULT& result) {
-        if (header.hwndFrom != window_ && header.hwndFrom != GetParent(window_)) return false;
+        const bool fromPageOrSheet =
+            SameWindow(header.hwndFrom, window_) || SameWindow(header.hwndFrom, GetParent(window_));
+        if (!fromPageOrSheet) return false;
         switch (header.code) {
         case PSN_APPLY:
             result = ApplyRecord();

@@ -25,7 +25,7 @@ mkdir -p "$logs"
 failed_rounds=0
 for round in $(seq "$rounds"); do
   started=$SECONDS
-  if ctest --test-dir "$BUILD_DIR/windows" -j "$JOBS" --repeat after-timeout:2 \
+  if ctest --test-dir "$BUILD_DIR/windows" -j "$JOBS" --repeat after-timeout:2 --output-on-failure \
        >"$logs/round-$round.log" 2>&1; then
     result=passed
   else

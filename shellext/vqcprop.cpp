@@ -219,9 +219,9 @@ STDMETHODIMP VQCProp::GetIconLocation(UINT, PSTR iconFile, UINT maxChars, int* i
 STDMETHODIMP VQCProp::Extract(PCSTR, UINT, HICON* largeIcon, HICON* smallIcon, UINT) {
     return GuardComCall([&]() -> HRESULT {
         if (!fileRecord_) return S_FALSE;  // the shell extracts the icon itself
-        if (fileRecord_->smallIcon && smallIcon) *smallIcon = CopyIcon(fileRecord_->smallIcon.get());
+        if (fileRecord_->smallIcon && smallIcon) *smallIcon = fileRecord_->smallIcon.Copy();
         if (!fileRecord_->icon) return S_FALSE;
-        if (largeIcon) *largeIcon = CopyIcon(fileRecord_->icon.get());
+        if (largeIcon) *largeIcon = fileRecord_->icon.Copy();
         return S_OK;
     });
 }

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "common/same_window.h"
 #include "pages/connection_page.h"
 #include "pages/option_page.h"
 #include "pages/proxy_page.h"
@@ -436,6 +437,33 @@ TEST(PageNotifications, FailedWriteAnswersInvalidNoChangePageAndSendsNothing) {
     EXPECT_EQ(result, PSNRET_INVALID_NOCHANGEPAGE);
     EXPECT_EQ(record->lastError, static_cast<std::uint32_t>(ERROR_SHARING_VIOLATION));
     EXPECT_TRUE(messages.seen.empty());
+}
+
+// The same window with the upper half of its handle flipped between the sign-extended and
+// the zero-extended form: the system hands out both.
+HWND OtherFormOf(HWND window) {
+    return reinterpret_cast<HWND>(reinterpret_cast<std::uintptr_t>(window) ^ 0xFFFFFFFF00000000ull);
+}
+
+TEST(SameWindow, HandlesThatDifferOnlyInTheirUpperHalfNameOneWindow) {
+    EXPECT_TRUE(SameWindow(reinterpret_cast<HWND>(0x80001234ull), reinterpret_cast<HWND>(0xFFFFFFFF80001234ull)));
+    EXPECT_TRUE(SameWindow(reinterpret_cast<HWND>(0x1234ull), reinterpret_cast<HWND>(0x1234ull)));
+    EXPECT_FALSE(SameWindow(reinterpret_cast<HWND>(0x1234ull), reinterpret_cast<HWND>(0x1235ull)));
+    EXPECT_FALSE(SameWindow(reinterpret_cast<HWND>(0x1234ull), nullptr));
+}
+
+TEST(PageNotifications, ApplyFromTheSheetInTheOtherFormOfItsHandleWrites) {
+    TempFile file("other-form", "-h   server.example");
+    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    DirectSheet sheet;
+    auto* page = sheet.Add<ProbePage>(record.Get());
+    ASSERT_NE(sheet.Show(), nullptr);
+    LRESULT result = 0xdeadbeef;
+    NMHDR header{OtherFormOf(sheet.sheet()), 0, static_cast<UINT>(PSN_APPLY)};
+    EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
+    EXPECT_EQ(result, PSNRET_NOERROR);
+    EXPECT_EQ(file.Content(), WriterBytes(*record.Get()));
+    EXPECT_NE(file.Content(), "-h   server.example");
 }
 
 TEST(PageNotifications, ApplyFromAForeignWindowIsNotHandledAndWritesNothing) {

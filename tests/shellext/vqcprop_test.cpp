@@ -11,6 +11,7 @@
 #include "common/com_ptr.h"
 #include "shellext/vqcprop_ids.h"
 #include "shellext/vqcprop_module.h"
+#include "tests/connection/icon_pixels.h"
 #include "tests/shellext/shellext_test_support.h"
 
 using namespace test_support;
@@ -400,6 +401,29 @@ TEST(VQCPropIcon, FileWithIconPointsAtItselfWithFlags26) {
     EXPECT_NE(small, prop->FileRecord()->smallIcon.get());
     EXPECT_EQ(IconSize(large).cx, 48);
     EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
+}
+
+TEST(VQCPropIcon, ExtractedCopiesShowTheFilesPixelsAndOutliveTheObject) {
+    TempFolder folder("copies");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({32, 16}));
+    ComPtr<IUnknown> object = NewObject();
+    ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    const Pixels recordLarge = PixelsOf(prop->FileRecord()->icon.get());
+    const Pixels recordSmall = PixelsOf(prop->FileRecord()->smallIcon.get());
+    HICON large = nullptr;
+    HICON small = nullptr;
+    ASSERT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_OK);
+    const UniqueIcon largeOwner(large), smallOwner(small);
+    object.Reset();  // the record and its icons go with the object; the copies are the shell's
+    const Pixels copyLarge = PixelsOf(large);
+    const Pixels copySmall = PixelsOf(small);
+    EXPECT_EQ(copyLarge.colour, recordLarge.colour);
+    EXPECT_EQ(copyLarge.mask, recordLarge.mask);
+    EXPECT_EQ(copySmall.colour, recordSmall.colour);
+    EXPECT_EQ(copySmall.mask, recordSmall.mask);
+    EXPECT_FALSE(copyLarge.colour.empty());
 }
 
 TEST(VQCPropIcon, LocationIsCutToMaxChars) {

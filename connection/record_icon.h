@@ -1,0 +1,35 @@
+// One of the record's two icons. When the reader made it from the file's -I image, the
+// image stays beside it, and a copy (what the shell's icon request hands out) is made
+// from the image again, exactly as the reader made the icon: under Wine, CopyIcon costs
+// about ten times as much as making the icon did. An icon from anywhere else is copied
+// with CopyIcon.
+#pragma once
+
+#include <windows.h>
+
+#include "common/win_handles.h"
+#include "connection/icon_codec.h"
+
+class RecordIcon {
+public:
+    RecordIcon() = default;
+    RecordIcon(const RecordIcon&) = delete;
+    RecordIcon& operator=(const RecordIcon&) = delete;
+
+    HICON get() const noexcept { return handle_.get(); }
+    explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
+
+    // Takes over an icon from elsewhere (destroying the one held) and forgets the image.
+    void reset(HICON icon = nullptr) noexcept;
+    // Gives the icon up to the caller and forgets the image.
+    HICON release() noexcept;
+    // Takes over an icon the reader decoded, with its image.
+    void ResetDecoded(DecodedIcon&& decoded) noexcept;
+
+    // A new icon with the same image, owned by the caller; null when none is held.
+    HICON Copy() const;
+
+private:
+    UniqueIcon handle_;
+    DecodedIcon source_;  // handle unused; image empty unless the icon was decoded
+};

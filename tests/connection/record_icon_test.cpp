@@ -1,0 +1,126 @@
+// The record's icons: what the reader decoded is copied from its image again, anything
+// else with CopyIcon; either way the copy is a new icon with the same pixels.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "common/win_handles.h"
+#include "connection/icon_codec.h"
+#include "connection/icon_stream.h"
+#include "connection/record_icon.h"
+#include "test_icons.h"
+#include "tests/connection/icon_pixels.h"
+
+namespace {
+
+// The reader's decode of a stream of a 32x32 and a 16x16 image at `bitsPerPixel`.
+void DecodeTwo(std::uint16_t bitsPerPixel, DecodedIcon* large, DecodedIcon* small) {
+    const IconImage images[] = {MakeTestIconImage(32, bitsPerPixel), MakeTestIconImage(16, bitsPerPixel, 2)};
+    const std::string text = HexTextOf(BuildIconStream(images, 2));
+    ASSERT_EQ(DecodeIconImages(text.c_str(), large, small), 1);
+}
+
+void ExpectSamePixels(HICON copy, HICON original) {
+    const Pixels a = PixelsOf(copy);
+    const Pixels b = PixelsOf(original);
+    EXPECT_EQ(a.size.cx, b.size.cx);
+    EXPECT_EQ(a.size.cy, b.size.cy);
+    EXPECT_EQ(a.colour, b.colour);
+    EXPECT_EQ(a.mask, b.mask);
+}
+
+}  // namespace
+
+TEST(DecodeIconImages, KeepsEachImageBlockWithTheSizeItWasMadeAt) {
+    DecodedIcon large, small;
+    DecodeTwo(8, &large, &small);
+    const UniqueIcon largeOwner(large.handle), smallOwner(small.handle);
+    EXPECT_EQ(large.image, MakeTestIconImage(32, 8).dib);
+    EXPECT_EQ(small.image, MakeTestIconImage(16, 8, 2).dib);
+    EXPECT_EQ(large.width, 0);
+    EXPECT_EQ(large.height, 0);
+    EXPECT_EQ(small.width, GetSystemMetrics(SM_CXSMICON));
+    EXPECT_EQ(small.height, GetSystemMetrics(SM_CYSMICON));
+}
+
+TEST(DecodeIconImages, AnImageThatMakesNoIconKeepsNoBlock) {
+    std::vector<std::uint8_t> stream = BuildIconStream(std::vector<IconImage>{MakeTestIconImage(32, 4)}.data(), 1);
+    std::fill(stream.begin() + 6 + 16, stream.begin() + 6 + 16 + 40, std::uint8_t{0});  // no bitmap header
+    DecodedIcon large;
+    large.image = {1, 2, 3};
+    EXPECT_EQ(DecodeIconImages(HexTextOf(stream).c_str(), &large, nullptr), 1);
+    EXPECT_EQ(large.handle, nullptr);
+    EXPECT_TRUE(large.image.empty());
+}
+
+TEST(RecordIcon, CopyOfADecodedIconIsANewIconWithTheSamePixels) {
+    for (std::uint16_t depth : {1, 4, 8, 24, 32}) {
+        SCOPED_TRACE(depth);
+        DecodedIcon large, small;
+        DecodeTwo(depth, &large, &small);
+        RecordIcon icon, smallIcon;
+        icon.ResetDecoded(std::move(large));
+        smallIcon.ResetDecoded(std::move(small));
+        const UniqueIcon copy(icon.Copy()), smallCopy(smallIcon.Copy());
+        ASSERT_TRUE(copy);
+        ASSERT_TRUE(smallCopy);
+        EXPECT_NE(copy.get(), icon.get());
+        EXPECT_NE(smallCopy.get(), smallIcon.get());
+        ExpectSamePixels(copy.get(), icon.get());
+        ExpectSamePixels(smallCopy.get(), smallIcon.get());
+        EXPECT_EQ(IconSize(smallCopy.get()).cx, GetSystemMetrics(SM_CXSMICON));
+    }
+}
+
+TEST(RecordIcon, CopyOutlivesTheRecordsIcon) {
+    DecodedIcon large, small;
+    DecodeTwo(4, &large, &small);
+    const UniqueIcon smallOwner(small.handle);
+    RecordIcon icon;
+    icon.ResetDecoded(std::move(large));
+    const Pixels before = PixelsOf(icon.get());
+    const UniqueIcon copy(icon.Copy());
+    icon.reset();
+    EXPECT_FALSE(icon);
+    const Pixels after = PixelsOf(copy.get());
+    EXPECT_EQ(after.colour, before.colour);
+    EXPECT_EQ(after.mask, before.mask);
+}
+
+TEST(RecordIcon, AnIconFromElsewhereIsCopiedAsItIsNotAsTheImageItReplaced) {
+    DecodedIcon large, small;
+    DecodeTwo(4, &large, &small);
+    const UniqueIcon smallOwner(small.handle);
+    RecordIcon icon;
+    icon.ResetDecoded(std::move(large));
+    // The Options page puts an icon of the user's choice in: a copy must show that one.
+    const UniqueIcon chosen(MakeTestIcon(48, 8, 5));
+    icon.reset(CopyIcon(chosen.get()));
+    const UniqueIcon copy(icon.Copy());
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(IconSize(copy.get()).cx, 48);
+    ExpectSamePixels(copy.get(), chosen.get());
+}
+
+TEST(RecordIcon, ReleaseHandsTheIconOverAndForgetsTheImage) {
+    DecodedIcon large, small;
+    DecodeTwo(4, &large, &small);
+    const UniqueIcon smallOwner(small.handle);
+    RecordIcon icon;
+    icon.ResetDecoded(std::move(large));
+    const HICON held = icon.get();
+    const UniqueIcon released(icon.release());
+    EXPECT_EQ(released.get(), held);
+    EXPECT_FALSE(icon);
+    EXPECT_EQ(icon.Copy(), nullptr);
+}
+
+TEST(RecordIcon, NoIconGivesNoCopy) {
+    RecordIcon icon;
+    EXPECT_EQ(icon.Copy(), nullptr);
+    DecodedIcon nothing;
+    nothing.image = {1, 2, 3};
+    icon.ResetDecoded(std::move(nothing));
+    EXPECT_FALSE(icon);
+    EXPECT_EQ(icon.Copy(), nullptr);
+}
