@@ -8,9 +8,14 @@ VQC_PACKAGES=(
   xvfb xauth
 )
 
+# What scripts/properties.sh needs besides: the PNG converter's Python and a font with the
+# Korean, Japanese and Chinese glyphs for the pages in those languages.
+VQC_SCREENSHOT_PACKAGES=(python3 fonts-wqy-microhei)
+
+# install_missing_packages [PACKAGE...]: the build's packages and any named here.
 install_missing_packages() {
   local missing=()
-  for package in "${VQC_PACKAGES[@]}"; do
+  for package in "${VQC_PACKAGES[@]}" "$@"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" \
       || missing+=("$package")
   done
