@@ -42,10 +42,15 @@ stage_shell_extension() {
 }
 
 register_shell_extension() {
-  if ! "$WINE_LOADER" regsvr32 /s "$(windows_path "$1")" </dev/null >/dev/null 2>&1; then
-    echo "regsvr32 $(windows_path "$1") failed" >&2
-    return 1
+  local output status=0
+  output=$(mktemp "${TMPDIR:-/tmp}/vqc-regsvr32.XXXXXX")
+  "$WINE_LOADER" regsvr32 /s "$(windows_path "$1")" </dev/null >"$output" 2>&1 || status=$?
+  if [ $status -ne 0 ]; then
+    echo "regsvr32 $(windows_path "$1") failed with status $status" >&2
+    cat "$output" >&2
   fi
+  rm -f "$output"
+  return $status
 }
 
 # Wine's dialog font (Tahoma, for "MS Shell Dlg") has no Korean, Japanese or Chinese glyphs;
