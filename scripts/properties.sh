@@ -8,9 +8,9 @@
 #   bash scripts/properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N]
 #                                       [--local-server]
 # With a DISPLAY the dialog is shown for you to use, and the script returns when you close
-# it (OK or Apply writes the file). Without one, or with --screenshots, it runs on a display
-# of its own, writes one PNG per page (DIR/page1.png is the General page; default DIR:
-# $BUILD_DIR/screenshots) and closes the dialog with Cancel.
+# it (OK or Apply writes the file). With --screenshots, or without a DISPLAY (then on an
+# Xvfb display of its own), it writes one PNG per page (DIR/page1.png is the General page;
+# default DIR: $BUILD_DIR/screenshots) and closes the dialog with Cancel.
 #   --lang xx_YY          the user's locale for the dialog (de_DE, ja_JP, zh_TW, ...)
 #   --client-version N    a stand-in client DLL of product version N/100.N%100 (640: 6.40)
 #                         beside the DLL; without it no client is installed
@@ -54,7 +54,7 @@ source "$ROOT/scripts/lib/project-prefix.sh"
 source "$ROOT/scripts/lib/association.sh"
 source "$ROOT/scripts/lib/shell-extension.sh"
 
-install_missing_packages "${VQC_SCREENSHOT_PACKAGES[@]}"
+install_missing_packages
 build_shell_extension
 extension=$(stage_shell_extension "$client_version" "$local_server")
 
@@ -62,10 +62,8 @@ if [ -n "$screenshots" ] || [ -z "${DISPLAY:-}" ]; then
   screenshots=${screenshots:-$BUILD_DIR/screenshots}
   mkdir -p "$screenshots"
   rm -f "$screenshots"/page*.bmp "$screenshots"/page*.png
-  enter_project_prefix own-display
-else
-  enter_project_prefix
 fi
+enter_project_prefix
 register_shell_extension "$extension"
 write_file_type_association
 link_cjk_fonts

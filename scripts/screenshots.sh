@@ -16,6 +16,8 @@ out="$ROOT/docs/screenshots"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$out"
+# Every picture on a display of the same size and depth, whatever screen the user has.
+unset DISPLAY
 
 # shoot NAME FILE [properties.sh options...] -- PAGE:PICTURE...
 # Opens FILE's Properties and keeps the pages named (page1 is the shell's General page).

@@ -6,11 +6,9 @@ VQC_PACKAGES=(
   googletest
   wine wine64
   xvfb xauth
+  # The glyphs of the Korean, Japanese and Chinese pages (scripts/properties.sh --lang).
+  fonts-wqy-microhei
 )
-
-# What scripts/properties.sh needs besides: the PNG converter's Python and a font with the
-# Korean, Japanese and Chinese glyphs for the pages in those languages.
-VQC_SCREENSHOT_PACKAGES=(python3 fonts-wqy-microhei)
 
 # install_missing_packages [PACKAGE...]: the build's packages and any named here.
 install_missing_packages() {

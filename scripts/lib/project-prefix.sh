@@ -10,11 +10,11 @@ _vqc_leave_project_prefix() {
   if [ -n "${VQC_XVFB_PID:-}" ]; then kill "$VQC_XVFB_PID" 2>/dev/null || true; fi
 }
 
-# enter_project_prefix [own-display]: with "own-display" the programs run on a display of
-# our own even when the user has one.
+# The programs run on the user's display when there is one: the prefix's server and desktop
+# may already serve it.
 enter_project_prefix() {
   trap _vqc_leave_project_prefix EXIT
-  if [ "${1:-}" = own-display ] || [ -z "${DISPLAY:-}" ]; then start_test_display; fi
+  [ -n "${DISPLAY:-}" ] || start_test_display
   export WINEPREFIX="${VQC_WINEPREFIX:-$BUILD_DIR/windows/wineprefix}"
   export WINEARCH=win64
   VQC_OWN_SERVER=""
