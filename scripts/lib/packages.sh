@@ -6,11 +6,14 @@ VQC_PACKAGES=(
   googletest
   wine wine64
   xvfb xauth
+  # The glyphs of the Korean, Japanese and Chinese pages (scripts/properties.sh --lang).
+  fonts-wqy-microhei
 )
 
+# install_missing_packages [PACKAGE...]: the build's packages and any named here.
 install_missing_packages() {
   local missing=()
-  for package in "${VQC_PACKAGES[@]}"; do
+  for package in "${VQC_PACKAGES[@]}" "$@"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" \
       || missing+=("$package")
   done

@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# The main job as a new user runs it, headless: scripts/properties.sh on a sample file with
+# --screenshots opens the file's Properties through Wine's shell, names the pages (the
+# shell's General page, then Connection, Proxy, Options), writes one PNG of each and
+# cancels, so the file is left as it was.
+#   properties_pictures_check.sh ROOT BUILD_DIR PREFIX
+# It registers a copy of the DLL and the file type in the prefix's real HKEY_CLASSES_ROOT and
+# unregisters it at the end (RESOURCE_LOCK wine_classes_root).
+set -uo pipefail
+root="$1"
+export BUILD_DIR="$2" VQC_WINEPREFIX="$3" WINEPREFIX="$3" WINEDEBUG=-all
+
+fail() { echo "FAIL: $*"; exit 1; }
+
+work=$(mktemp -d)
+cleanup() {
+  /usr/lib/wine/wine64 regsvr32 /u /s "Z:$(tr / '\\' <<<"$BUILD_DIR/properties/extension/vqcprop64.dll")" \
+    </dev/null >/dev/null 2>&1
+  rm -rf "$work"
+}
+trap cleanup EXIT
+cp "$root/docs/samples/office.vqc" "$work/office.vqc"
+
+bash "$root/scripts/properties.sh" "$work/office.vqc" --screenshots "$work/shots" </dev/null >"$work/out" 2>"$work/err"
+status=$?
+cat "$work/out" "$work/err"
+[ "$status" -eq 0 ] || fail "properties.sh must succeed, got status $status"
+
+printf 'page1\tGeneral\npage2\tConnection\npage3\tProxy\npage4\tOptions\n' >"$work/titles"
+grep -P '^page\d\t' "$work/out" | diff "$work/titles" - || fail "the pages must be General, Connection, Proxy, Options"
+for page in 1 2 3 4; do
+  picture="$work/shots/page$page.png"
+  [ -f "$picture" ] || fail "page$page.png is missing"
+  [ "$(head -c 8 "$picture" | od -An -tx1 | tr -d ' \n')" = "89504e470d0a1a0a" ] || fail "page$page.png is no PNG"
+  # Width and height from IHDR: the whole sheet, some hundreds of pixels each way.
+  width=$(od -An -tu1 -j16 -N4 "$picture" | awk '{print $1*16777216+$2*65536+$3*256+$4}')
+  height=$(od -An -tu1 -j20 -N4 "$picture" | awk '{print $1*16777216+$2*65536+$3*256+$4}')
+  [ "$width" -ge 300 ] && [ "$height" -ge 300 ] || fail "page$page.png is ${width}x$height, not a sheet"
+done
+# Each page brought to the front before its picture: no two pictures alike.
+[ "$(md5sum "$work/shots"/page?.png | cut -d' ' -f1 | sort -u | wc -l)" -eq 4 ] || fail "the four pictures must differ"
+[ -z "$(ls "$work/shots"/*.bmp 2>/dev/null)" ] || fail "no bitmap may be left behind"
+cmp -s "$root/docs/samples/office.vqc" "$work/office.vqc" || fail "Cancel must leave the file as it was"
+echo "PASS"

@@ -1,0 +1,180 @@
+// A connection file's Properties through Wine's own shell, end to end, as a user meets the
+// extension: the DLL registered by regsvr32 in the prefix's real class registry, the ".vqc"
+// file type as the client's installer writes it, the file's context menu and its verb
+// "properties". The verb blocks until the sheet closes, so it runs on a thread of its own
+// and the test plays the user from here with the messages clicks and keys send.
+// These tests share the real HKEY_CLASSES_ROOT and run one at a time (RESOURCE_LOCK).
+#include <windows.h>
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/pages/sheet_input.h"
+#include "tests/shellext/shellext_test_support.h"
+#include "tools/shell_properties_road.h"
+
+using namespace test_support;
+using shell_road::PropertiesOnShellThread;
+
+namespace {
+
+constexpr DWORD kSheetWait = 20000;
+constexpr int kServerBox = 1006;
+constexpr int kLoginEdit = 1010;
+
+std::string SystemFolder() {
+    char folder[MAX_PATH + 1] = {};
+    GetSystemDirectoryA(folder, sizeof(folder));
+    return folder;
+}
+
+std::string WindowsFolder() {
+    char folder[MAX_PATH + 1] = {};
+    GetWindowsDirectoryA(folder, sizeof(folder));
+    return folder;
+}
+
+// Runs a program with its arguments and answers its exit code.
+DWORD RunProgram(const std::string& program, const std::string& arguments) {
+    std::string command = "\"" + program + "\" " + arguments;
+    STARTUPINFOA startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return 0xFFFFFFFF;
+    }
+    WaitForSingleObject(process.hProcess, 60000);
+    DWORD code = 0xFFFFFFFF;
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return code;
+}
+
+std::string DefaultValue(const std::string& key) { return ReadValue(HKEY_CLASSES_ROOT, key, nullptr).Text(); }
+
+std::vector<std::string> Titles(HWND sheet) {
+    std::vector<std::string> titles;
+    for (const std::wstring& title : shell_road::PageTitles(sheet)) titles.push_back(shell_road::Utf8(title));
+    return titles;
+}
+
+// The page whose tab reads title, brought to the front as a click on its tab would.
+HWND ShowPage(HWND sheet, const std::vector<std::string>& titles, const std::string& title) {
+    for (std::size_t i = 0; i < titles.size(); ++i) {
+        if (titles[i] != title) continue;
+        SendMessageA(sheet, PSM_SETCURSEL, static_cast<WPARAM>(i), 0);
+        return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_INDEXTOHWND, static_cast<WPARAM>(i), 0));
+    }
+    return nullptr;
+}
+
+void Press(HWND sheet, int button) { SendMessageA(sheet, PSM_PRESSBUTTON, static_cast<WPARAM>(button), 0); }
+
+// The built DLL in the Windows form of its path, as the registry holds it. It is registered
+// where it was built (no client beside it), not as a copy: the shell keeps the DLL loaded
+// until the process ends, so a copy could not be deleted afterwards.
+std::string BuiltDll() {
+    char full[MAX_PATH + 1] = {};
+    GetFullPathNameA(DllPath().c_str(), sizeof(full), full, nullptr);
+    return full;
+}
+
+// The built DLL registered with regsvr32 and the file type written from the same rows that
+// scripts/associate.sh writes; unregistering deletes both again.
+class ShellProperties : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(RunProgram(SystemFolder() + "\\regsvr32.exe", "/s \"" + dll_ + "\""), 0u);
+        ASSERT_EQ(RunProgram(WindowsFolder() + "\\regedit.exe", "/S \"" VQC_ASSOCIATION_REG "\""), 0u);
+        ASSERT_EQ(DefaultValue(".vqc"), "VCLIENT");
+        ASSERT_EQ(DefaultValue("CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32"), dll_);
+    }
+    void TearDown() override { RunProgram(SystemFolder() + "\\regsvr32.exe", "/u /s \"" + dll_ + "\""); }
+
+    std::string Connection(const std::string& name, const std::string& content) {
+        const std::string path = folder_.File(name);
+        WriteFileBytes(path, content);
+        return path;
+    }
+
+    TempFolder folder_{"shell-properties"};
+    std::string dll_ = BuiltDll();
+};
+
+}  // namespace
+
+TEST_F(ShellProperties, VerbOpensTheShellsGeneralPageThenConnectionProxyAndOptions) {
+    const std::string file = Connection("office.vqc", "-h server.example -u tester ");
+    PropertiesOnShellThread road({file});
+    const HWND sheet = road.WaitForSheet(kSheetWait);
+    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.result();
+    EXPECT_EQ(Titles(sheet), (std::vector<std::string>{"General", "Connection", "Proxy", "Options"}));
+    Press(sheet, PSBTN_CANCEL);
+    ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
+    EXPECT_EQ(road.result(), S_OK);
+}
+
+TEST_F(ShellProperties, ServerTypedIntoTheConnectionPageIsWrittenOnOk) {
+    const std::string file = Connection("office.vqc", "-h server.example -u tester ");
+    PropertiesOnShellThread road({file});
+    const HWND sheet = road.WaitForSheet(kSheetWait);
+    ASSERT_NE(sheet, nullptr);
+    const HWND page = ShowPage(sheet, Titles(sheet), "Connection");
+    ASSERT_NE(page, nullptr);
+    ASSERT_EQ(page_test::WindowText(GetDlgItem(page, kServerBox)), "server.example");
+    page_test::TypeIntoCombo(GetDlgItem(page, kServerBox), "office.example");
+    EXPECT_TRUE(page_test::ApplyEnabled(sheet));
+    Press(sheet, PSBTN_OK);
+    ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
+    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(ReadFileBytes(file), "-h office.example -u tester ");
+}
+
+TEST_F(ShellProperties, LoginTypedIntoItsEditIsWrittenOnOk) {
+    const std::string file = Connection("office.vqc", "-h server.example -u tester ");
+    PropertiesOnShellThread road({file});
+    const HWND sheet = road.WaitForSheet(kSheetWait);
+    ASSERT_NE(sheet, nullptr);
+    const HWND page = ShowPage(sheet, Titles(sheet), "Connection");
+    ASSERT_NE(page, nullptr);
+    page_test::TypeText(GetDlgItem(page, kLoginEdit), "  operator  ");
+    Press(sheet, PSBTN_OK);
+    ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
+    EXPECT_EQ(ReadFileBytes(file), "-h server.example -u operator ");
+}
+
+TEST_F(ShellProperties, CancelAfterAnEditWritesNothing) {
+    const std::string original = "-h  server.example  -u  tester  -C  bookmark";
+    const std::string file = Connection("office.vqc", original);
+    PropertiesOnShellThread road({file});
+    const HWND sheet = road.WaitForSheet(kSheetWait);
+    ASSERT_NE(sheet, nullptr);
+    const HWND page = ShowPage(sheet, Titles(sheet), "Connection");
+    ASSERT_NE(page, nullptr);
+    page_test::TypeIntoCombo(GetDlgItem(page, kServerBox), "office.example");
+    ASSERT_TRUE(page_test::ApplyEnabled(sheet));
+    Press(sheet, PSBTN_CANCEL);
+    ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
+    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(ReadFileBytes(file), original);
+}
+
+TEST_F(ShellProperties, TwoSelectedFilesGetNoPagesOfOurs) {
+    const std::string first = Connection("first.vqc", "-h first.example ");
+    const std::string second = Connection("second.vqc", "-h second.example ");
+    PropertiesOnShellThread road({first, second});
+    // Wine's shell still opens a sheet for the selection, with its own General page and
+    // none of ours.
+    const HWND sheet = road.WaitForSheet(kSheetWait);
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_EQ(Titles(sheet), std::vector<std::string>{"General"});
+    Press(sheet, PSBTN_CANCEL);
+    ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
+    EXPECT_EQ(ReadFileBytes(first), "-h first.example ");
+    EXPECT_EQ(ReadFileBytes(second), "-h second.example ");
+}
