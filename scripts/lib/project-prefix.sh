@@ -10,34 +10,11 @@ _vqc_leave_project_prefix() {
   if [ -n "${VQC_XVFB_PID:-}" ]; then kill "$VQC_XVFB_PID" 2>/dev/null || true; fi
 }
 
-# An Xvfb display of our own. On a busy machine Xvfb may take longer than the test
-# environment's start waits for, and programs started without a usable display fail
-# quietly (the shell opens no sheet), so this waits for the display's socket and fails
-# loudly when it never comes.
-start_own_display() {
-  local displayfile number=""
-  displayfile=$(mktemp)
-  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$displayfile" >/dev/null 2>&1 &
-  VQC_XVFB_PID=$!
-  for _ in $(seq 600); do
-    number=$(head -n1 "$displayfile")
-    [ -n "$number" ] && [ -S "/tmp/.X11-unix/X$number" ] && break
-    number=""
-    sleep 0.1
-  done
-  rm -f "$displayfile"
-  if [ -z "$number" ]; then
-    echo "Xvfb did not start within 60 s" >&2
-    return 1
-  fi
-  export DISPLAY=":$number"
-}
-
 # The programs run on the user's display when there is one: the prefix's server and desktop
 # may already serve it.
 enter_project_prefix() {
   trap _vqc_leave_project_prefix EXIT
-  [ -n "${DISPLAY:-}" ] || start_own_display
+  [ -n "${DISPLAY:-}" ] || start_test_display
   export WINEPREFIX="${VQC_WINEPREFIX:-$BUILD_DIR/windows/wineprefix}"
   export WINEARCH=win64
   VQC_OWN_SERVER=""

@@ -10,15 +10,27 @@ _vqc_cleanup() {
 }
 trap _vqc_cleanup EXIT
 
-# Xvfb first: a wineserver started without a display refuses windows for good.
+# Xvfb first: a wineserver started without a display refuses windows for good. On a busy
+# machine Xvfb can take many seconds; programs started without a usable display fail quietly
+# (the shell opens no sheet), so this waits for the display's socket and fails loudly when it
+# never comes.
 start_test_display() {
-  local displayfile
+  local displayfile number=""
   displayfile=$(mktemp)
   Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$displayfile" >/dev/null 2>&1 &
   VQC_XVFB_PID=$!
-  for _ in $(seq 100); do [ -s "$displayfile" ] && break; sleep 0.1; done
-  export DISPLAY=":$(head -n1 "$displayfile")"
+  for _ in $(seq 600); do
+    number=$(head -n1 "$displayfile")
+    [ -n "$number" ] && [ -S "/tmp/.X11-unix/X$number" ] && break
+    number=""
+    sleep 0.1
+  done
   rm -f "$displayfile"
+  if [ -z "$number" ]; then
+    echo "Xvfb did not start within 60 s" >&2
+    return 1
+  fi
+  export DISPLAY=":$number"
 }
 
 # A private 64-bit prefix, created once and reused. Crashes must end the process (exit
