@@ -2,6 +2,7 @@
 
 #include <shellapi.h>
 
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -114,9 +115,16 @@ std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut
                                  bool withProgramName, void* context,
                                  RegistrationCallback registrationCallback,
                                  std::int32_t* callbackResultOut) {
+    return BuildArgumentVector(text ? std::string_view(text) : std::string_view(), argcOut, argvOut,
+                               withProgramName, context, registrationCallback, callbackResultOut);
+}
+
+std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut,
+                                 bool withProgramName, void* context,
+                                 RegistrationCallback registrationCallback,
+                                 std::int32_t* callbackResultOut) {
     const std::string line = argument_text::PrepareCommandLine(
-        withProgramName ? ProgramPath() : std::string(), withProgramName,
-        text ? std::string_view(text) : std::string_view());
+        withProgramName ? ProgramPath() : std::string(), withProgramName, text);
 
     const CodePageConverters convert;
     if (!convert.ok()) return 0;
@@ -132,27 +140,31 @@ std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut
     if (!wideArgs) return 0;
     wchar_t** const wideArgv = reinterpret_cast<wchar_t**>(wideArgs.get());
 
-    // One block: argc + 2 pointer slots, then every argument's 8-bit text.
+    // One block: argc + 2 pointer slots, then every argument's 8-bit text. The texts are
+    // measured in one pass and converted into the room left in a second, so no table of
+    // sizes is kept beside the block (for a long line it would be a large buffer of its own).
     const std::size_t slotBytes = (static_cast<std::size_t>(argc) + 2) * sizeof(char*);
-    std::vector<int> sizes(static_cast<std::size_t>(argc));
     std::size_t total = slotBytes;
     for (int i = 0; i < argc; ++i) {
-        sizes[i] = convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, nullptr, 0, nullptr, nullptr);
-        if (sizes[i] < 1) sizes[i] = 1;
-        total += static_cast<std::size_t>(sizes[i]);
+        const int size = convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, nullptr, 0, nullptr, nullptr);
+        total += static_cast<std::size_t>(size < 1 ? 1 : size);
     }
     UniqueLocalMemory block(LocalAlloc(LMEM_FIXED | LMEM_ZEROINIT, total));
     if (!block) return 0;
 
     char** const argv = static_cast<char**>(block.get());
     char* strings = reinterpret_cast<char*>(block.get()) + slotBytes;
+    const char* const end = reinterpret_cast<const char*>(block.get()) + total;
     for (int i = 0; i < argc; ++i) {
         argv[i] = strings;
-        convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, strings, sizes[i], nullptr, nullptr);
-        strings[sizes[i] - 1] = '\0';
-        strings += sizes[i];
+        const std::size_t room = static_cast<std::size_t>(end - strings);
+        const int roomForCall = room > static_cast<std::size_t>(INT_MAX) ? INT_MAX : static_cast<int>(room);
+        int size = convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, strings, roomForCall, nullptr, nullptr);
+        if (size < 1) size = 1;  // a text that does not convert stays empty (the block is zeroed)
+        strings[size - 1] = '\0';
+        strings += size;
         // The length is known here; measuring each of a long line's arguments again costs.
-        if (argument_text::StartsDebuggerWait(std::string_view(argv[i], static_cast<std::size_t>(sizes[i] - 1))))
+        if (argument_text::StartsDebuggerWait(std::string_view(argv[i], static_cast<std::size_t>(size - 1))))
             WaitForDebugger();
     }
     argv[argc] = nullptr;

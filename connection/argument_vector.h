@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <string_view>
 
 #include "connection/argument_text.h"
 
@@ -19,6 +20,13 @@ using RegistrationCallback = std::int32_t (*)(RegistrationState* state, void* co
 // registration keyword and the callback ran, else 0. On an allocation failure it
 // returns early and leaves the outputs unset.
 std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut,
+                                 bool withProgramName, void* context,
+                                 RegistrationCallback registrationCallback,
+                                 std::int32_t* callbackResultOut);
+
+// The same for a text that need not end in a zero byte, as a mapped file does not: it
+// ends at its size or at its first zero byte, whichever comes first.
+std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut,
                                  bool withProgramName, void* context,
                                  RegistrationCallback registrationCallback,
                                  std::int32_t* callbackResultOut);

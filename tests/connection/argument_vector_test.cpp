@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -57,6 +58,35 @@ TEST(ArgumentVector, AnsiBytesSurviveTheRoundTripThroughUtf16) {
     // "Müller" in the ANSI code page of this process (1252 under the default locale).
     const auto args = SplitOptionText("-u M\xFCller");
     EXPECT_EQ(WithoutProgram(args), (std::vector<std::string>{"-u", "M\xFCller"}));
+}
+
+namespace {
+
+// The arguments after the program path, from a text given with its size.
+std::vector<std::string> SplitSizedText(std::string_view text) {
+    int argc = 0;
+    char** argv = nullptr;
+    EXPECT_EQ(BuildArgumentVector(text, &argc, &argv, true, nullptr, nullptr, nullptr), 0);
+    const UniqueLocalMemory block(argv);
+    std::vector<std::string> arguments;
+    for (int i = 1; argv && i < argc; ++i) arguments.emplace_back(argv[i]);
+    return arguments;
+}
+
+}  // namespace
+
+TEST(ArgumentVector, SizedTextEndsAtItsSizeWithoutAZeroByte) {
+    const char bytes[] = {'-', 'h', ' ', 'a', 'b', 'X', 'Y'};
+    EXPECT_EQ(SplitSizedText(std::string_view(bytes, 5)), (std::vector<std::string>{"-h", "ab"}));
+}
+
+TEST(ArgumentVector, SizedTextStillEndsAtItsFirstZeroByte) {
+    EXPECT_EQ(SplitSizedText(std::string_view("-h a\0-u b", 9)), (std::vector<std::string>{"-h", "a"}));
+}
+
+TEST(ArgumentVector, SizedTextSplitsAsTheZeroEndedTextDoes) {
+    const std::string text = "-h a\r\n-u \"b c\" -I 00\r\nFF -C x";
+    EXPECT_EQ(SplitSizedText(text), WithoutProgram(SplitOptionText(text.c_str())));
 }
 
 TEST(ArgumentVector, NullTextGivesOnlyTheProgramPath) {

@@ -70,6 +70,19 @@ TEST(OptionWalk, DoubleDashAloneSwitchesDisguiseOff) {
     EXPECT_EQ(s.disguiseHttp, 0);
 }
 
+TEST(OptionWalk, CommandLineKeepsBothBlanksAroundAnEmptyElement) {
+    ConnectionSettings s;
+    Walk({"-C", "a", "", "b"}, s);
+    EXPECT_EQ(s.commandLine, "a  b");
+}
+
+TEST(OptionWalk, CommandLineIsAppendedToWhatTheRecordHolds) {
+    ConnectionSettings s;
+    s.commandLine = "kept";
+    Walk({"-C", "x", "y"}, s);
+    EXPECT_EQ(s.commandLine, "keptx y");
+}
+
 TEST(OptionWalk, CommandLineWithNothingAfterItAppendsNothing) {
     ConnectionSettings s;
     s.commandLine = "kept";

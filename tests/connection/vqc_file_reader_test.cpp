@@ -426,3 +426,18 @@ TEST(Reader, ZeroByteInTheFileEndsTheText) {
     EXPECT_EQ(r->host, "server");
     EXPECT_TRUE(r->login.empty());
 }
+
+// A view of a whole page has nothing mapped behind it, and no zero byte ends the text: the
+// line is taken from the view by its size, up to the file's last byte.
+TEST(Reader, FileOfExactlyOnePageIsReadToItsLastByte) {
+    std::string content = "-h server -C ";
+    while (content.size() < 4096 - 4) content += "w ";
+    content.resize(4096 - 4, 'w');
+    content += " end";
+    ASSERT_EQ(content.size(), 4096u);
+    Record r = ReadText(content);
+    EXPECT_EQ(r->host, "server");
+    ASSERT_GE(r->commandLine.size(), 4u);
+    EXPECT_EQ(r->commandLine.substr(r->commandLine.size() - 4), " end");
+    EXPECT_EQ(r->commandLine.size(), content.size() - std::string("-h server -C ").size());
+}
