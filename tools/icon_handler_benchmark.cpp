@@ -42,30 +42,56 @@ struct Steps {
     int cycles = 0;
 };
 
-bool OurCycle(const std::wstring& path, Steps* steps) {
-    double mark = steps ? Now() : 0;
-    auto lap = [&](double& into) {
-        if (!steps) return;
+// Adds the time since its last lap to one step of `steps`; does nothing without steps, so
+// a timed cycle and a cycle of the breakdown run the same code.
+class StepClock {
+public:
+    explicit StepClock(Steps* steps) : steps_(steps), mark_(steps ? Now() : 0) {}
+
+    void Lap(double Steps::*step) {
+        if (!steps_) return;
         const double now = Now();
-        into += now - mark;
-        mark = now;
-    };
+        steps_->*step += now - mark_;
+        mark_ = now;
+    }
+
+    // What is left of a cycle after its last call is releasing the icons.
+    void EndCycle() {
+        Lap(&Steps::release);
+        if (steps_) ++steps_->cycles;
+    }
+
+private:
+    Steps* steps_;
+    double mark_;
+};
+
+// Both sides end a cycle alike: the two icons destroyed; true when both had been made.
+bool DestroyBoth(HICON large, HICON small) {
+    const bool made = large && small;
+    if (large) DestroyIcon(large);
+    if (small) DestroyIcon(small);
+    return made;
+}
+
+bool OurCycle(const std::wstring& path, Steps* steps) {
+    StepClock clock(steps);
     HICON large = nullptr, small = nullptr;
     {
         ComPtr<IPersistFile> file;
         if (FAILED(CoCreateInstance(CLSID_VQCProp, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile,
                                     file.PutVoid())))
             return false;
-        if (steps) lap(steps->create);
+        clock.Lap(&Steps::create);
         if (FAILED(file->Load(path.c_str(), STGM_READ))) return false;
-        if (steps) lap(steps->load);
+        clock.Lap(&Steps::load);
         ComPtr<IExtractIconA> extract;
         if (FAILED(file->QueryInterface(IID_IExtractIconA, extract.PutVoid()))) return false;
         char location[MAX_PATH] = {};
         int index = -1;
         UINT flags = 0;
         if (extract->GetIconLocation(GIL_FORSHELL, location, MAX_PATH, &index, &flags) != S_OK) return false;
-        if (steps) lap(steps->location);
+        clock.Lap(&Steps::location);
         HRESULT extracted = S_FALSE;
         if (flags & GIL_NOTFILENAME) {
             extracted = extract->Extract(location, static_cast<UINT>(index), &large, &small,
@@ -77,52 +103,36 @@ bool OurCycle(const std::wstring& path, Steps* steps) {
             large = small = nullptr;
             ExtractIconExA(location, index, &large, &small, 1);
         }
-        if (steps) lap(steps->extract);
+        clock.Lap(&Steps::extract);
     }
-    const bool ok = large && small;
-    if (large) DestroyIcon(large);
-    if (small) DestroyIcon(small);
-    if (steps) {
-        lap(steps->release);
-        ++steps->cycles;
-    }
-    return ok;
+    const bool made = DestroyBoth(large, small);
+    clock.EndCycle();
+    return made;
 }
 
 bool ShortcutCycle(const std::wstring& path, Steps* steps) {
-    double mark = steps ? Now() : 0;
-    auto lap = [&](double& into) {
-        if (!steps) return;
-        const double now = Now();
-        into += now - mark;
-        mark = now;
-    };
+    StepClock clock(steps);
     HICON large = nullptr, small = nullptr;
     {
         ComPtr<IShellLinkA> link;
         if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
                                     link.PutVoid())))
             return false;
-        if (steps) lap(steps->create);
+        clock.Lap(&Steps::create);
         ComPtr<IPersistFile> file;
         if (FAILED(link->QueryInterface(IID_IPersistFile, file.PutVoid()))) return false;
         if (FAILED(file->Load(path.c_str(), STGM_READ))) return false;
-        if (steps) lap(steps->load);
+        clock.Lap(&Steps::load);
         char location[MAX_PATH] = {};
         int index = -1;
         if (FAILED(link->GetIconLocation(location, MAX_PATH, &index))) return false;
-        if (steps) lap(steps->location);
+        clock.Lap(&Steps::location);
         ExtractIconExA(location, index, &large, &small, 1);
-        if (steps) lap(steps->extract);
+        clock.Lap(&Steps::extract);
     }
-    const bool ok = large && small;
-    if (large) DestroyIcon(large);
-    if (small) DestroyIcon(small);
-    if (steps) {
-        lap(steps->release);
-        ++steps->cycles;
-    }
-    return ok;
+    const bool made = DestroyBoth(large, small);
+    clock.EndCycle();
+    return made;
 }
 
 void PrintSteps(const char* side, const char* extractName, const Steps& steps) {
