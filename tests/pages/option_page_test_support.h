@@ -88,7 +88,7 @@ public:
         GetWindowTextA(control(CVQCOptionPage::kSourceLabelId), text, sizeof(text));
         return text;
     }
-    bool ApplyEnabled() const { return IsWindowEnabled(GetDlgItem(sheet(), page_test::kApplyButtonId)) != FALSE; }
+    bool ApplyEnabled() const { return page_test::ApplyEnabled(sheet()); }
 
     // A click on list item index: the selection moves and the list tells its owner.
     void ClickItem(int index) const {

@@ -26,6 +26,7 @@
 
 #include "common/com_ptr.h"
 #include "tests/file_bytes.h"
+#include "tests/pages/sheet_input.h"
 #include "tests/registration/registry_test_support.h"
 
 class VQCFileInfo;
@@ -37,9 +38,6 @@ using test_support::TempFolder;
 // {5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}
 inline constexpr CLSID kVQCPropClassId = {
     0x5e1d7c40, 0xa3b2, 0x11d0, {0x8e, 0x6f, 0x00, 0xa0, 0xc9, 0xb3, 0x5d, 0x21}};
-
-// The sheet's Apply button.
-inline constexpr int kApplyButtonId = 0x3021;
 
 using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 using CanUnloadNowFunction = HRESULT(STDAPICALLTYPE*)();

@@ -130,7 +130,7 @@ TEST(ShellProxyPageEdits, ChoosingTheBrokerAt665WritesIt) {
     ChooseListEntry(open.page(), 1002, kViaProxy);
     EXPECT_EQ(open.ApplyAndRead(), "-h server -c proxy:3128 ");
     ChooseListEntry(open.page(), 1002, kViaBroker);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-h server -f broker:3000 ");
 }
 

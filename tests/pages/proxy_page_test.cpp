@@ -225,7 +225,7 @@ TEST(ProxyPageOpening, OpeningChangesNothing) {
     EXPECT_EQ(ControlTextOf(open.window(), 1026), " proxy ");
     EXPECT_EQ(open.record().proxyHost, " proxy ");
     EXPECT_EQ(open.record().modified, 0);
-    EXPECT_FALSE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_FALSE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-c \" proxy :3128\" ");
 }
 
@@ -305,10 +305,10 @@ TEST(ProxyPageRoute, EachRouteShowsItsGroup) {
 TEST(ProxyPageRoute, ChangingOnlyTheRouteEnablesApplyAndLeavesModified) {
     ProxyPageOnFile open("route-modified", "-c proxy -f broker", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_FALSE(ApplyButtonEnabled(open.sheet()));
+    ASSERT_FALSE(ApplyEnabled(open.sheet()));
     ASSERT_EQ(open.record().modified, 0);
     ChooseListEntry(open.window(), 1002, kViaBroker);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.record().modified, 0);
     EXPECT_EQ(open.record().route, 2);
 }
@@ -372,7 +372,7 @@ TEST(ProxyPageEdits, ProxyHostIsTrimmedAndMarksModified) {
     TypeText(open.window(), 1026, "  proxy.example\t ");
     EXPECT_EQ(open.record().proxyHost, "proxy.example");
     EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy.example ");
 }
 
@@ -399,7 +399,7 @@ TEST(ProxyPageEdits, BrokerHostIsTrimmed) {
     TypeText(open.window(), 1032, " broker.example  ");
     EXPECT_EQ(open.record().brokerHost, "broker.example");
     EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-f broker.example ");
 }
 
@@ -416,7 +416,7 @@ TEST(ProxyPageEdits, ProxyPortIsReadAsADecimal) {
     TypeText(open.window(), 1028, "9000");
     EXPECT_EQ(open.record().proxyPort, 9000);
     EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy:9000 ");
 }
 
@@ -451,7 +451,7 @@ TEST(ProxyPageEdits, BrokerPortIsReadAsADecimal) {
     TypeText(open.window(), 1034, "3000");
     EXPECT_EQ(open.record().brokerPort, 3000);
     EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-f broker:3000 ");
 }
 
@@ -471,7 +471,7 @@ TEST(ProxyPageEdits, DialUpBoxSetsAndClearsTheUpperF) {
     ClickControl(open.window(), 1035);
     EXPECT_EQ(open.record().brokerUpperF, 1);
     EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_TRUE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-F broker:3000 ");
     ClickControl(open.window(), 1035);
     EXPECT_EQ(open.record().brokerUpperF, 0);
@@ -505,7 +505,7 @@ TEST(ProxyPageEdits, OtherNotificationsOfTheControlsAreNotHandled) {
             << id << " " << code;
     }
     EXPECT_EQ(open.record().modified, 0);
-    EXPECT_FALSE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_FALSE(ApplyEnabled(open.sheet()));
 }
 
 // --- Without a record -----------------------------------------------------------------
@@ -535,7 +535,7 @@ TEST(ProxyPageWithoutRecord, EveryHandlerReportsHandled) {
     EXPECT_TRUE(open.Handles(1028, EN_CHANGE));
     EXPECT_TRUE(open.Handles(1034, EN_CHANGE));
     EXPECT_TRUE(open.Handles(1035, BN_CLICKED));
-    EXPECT_FALSE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_FALSE(ApplyEnabled(open.sheet()));
 }
 
 TEST(ProxyPageWithoutRecord, ChoosingARouteChangesNothing) {
@@ -543,7 +543,7 @@ TEST(ProxyPageWithoutRecord, ChoosingARouteChangesNothing) {
     ASSERT_NE(open.window(), nullptr);
     ASSERT_EQ(ChooseListEntry(open.window(), 1002, kViaProxy), 1);
     EXPECT_EQ(ShownAmong(open.window(), kGroupControls), std::vector<int>{});
-    EXPECT_FALSE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_FALSE(ApplyEnabled(open.sheet()));
 }
 
 TEST(ProxyPageWithoutRecord, TypingAndClickingChangeNothing) {
@@ -555,7 +555,7 @@ TEST(ProxyPageWithoutRecord, TypingAndClickingChangeNothing) {
     TypeText(open.window(), 1028, "3128");
     TypeText(open.window(), 1034, "");
     ClickControl(open.window(), 1035);
-    EXPECT_FALSE(ApplyButtonEnabled(open.sheet()));
+    EXPECT_FALSE(ApplyEnabled(open.sheet()));
     EXPECT_EQ(open.page()->Record(), nullptr);
 }
 

@@ -1,6 +1,6 @@
 // A user's input on a page's controls, sent as the clicks and keys would send it, and what
 // a user sees of them: list items, texts, check marks, shown and enabled controls.
-// For every page's tests.
+// For every page's tests; user_actions.h names the same by page and control id.
 #pragma once
 
 #include <windows.h>
@@ -11,8 +11,11 @@
 
 namespace page_test {
 
+// The sheet's Apply button.
+inline constexpr int kApplyButtonId = 0x3021;
+
 // The sheet's Apply button is enabled (some page reported a change since the last apply).
-inline bool ApplyEnabled(HWND sheet) { return IsWindowEnabled(GetDlgItem(sheet, 0x3021)) != FALSE; }
+inline bool ApplyEnabled(HWND sheet) { return IsWindowEnabled(GetDlgItem(sheet, kApplyButtonId)) != FALSE; }
 
 // The control's own visibility flag, whatever its parents show.
 inline bool Shown(HWND control) { return (GetWindowLongPtrA(control, GWL_STYLE) & WS_VISIBLE) != 0; }
