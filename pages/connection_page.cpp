@@ -49,22 +49,6 @@ CVQCConnectionPage::CVQCConnectionPage(VQCFileInfo* record, const char* title)
 
 const ResizeMapEntry* CVQCConnectionPage::ResizeMap() noexcept { return kConnectionPageResizeMap; }
 
-// ---- The page's own messages -------------------------------------------------------
-bool CVQCConnectionPage::OnPageMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
-    switch (message) {
-    case WM_INITDIALOG:
-        OnInitDialog();
-        result = TRUE;  // the default focus
-        return true;
-    case WM_COMMAND:
-        if (!OnCommand(LOWORD(wParam), HIWORD(wParam))) return false;
-        result = 0;
-        return true;
-    default:
-        return false;
-    }
-}
-
 HWND CVQCConnectionPage::Handle(int id) const noexcept {
     for (std::size_t i = 0; i < kHandleIds.size(); ++i)
         if (kHandleIds[i] == id) return handles_[i];

@@ -32,9 +32,6 @@ public:
 private:
     friend class CVQCPropertyPageImpl<CVQCConnectionPage>;
 
-    // The page's own message entries, tried before resizing and the sheet notifications.
-    bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
-
     void OnInitDialog();
     // True for the commands of the page's map (handled even when nothing is done).
     bool OnCommand(int id, int code);

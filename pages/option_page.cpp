@@ -44,25 +44,10 @@ CVQCOptionPage::~CVQCOptionPage() { ClearIconList(); }
 
 const ResizeMapEntry* CVQCOptionPage::ResizeMap() noexcept { return kOptionPageResizeMap; }
 
-// ---- The page's own messages -------------------------------------------------------
-bool CVQCOptionPage::OnPageMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
-    switch (message) {
-    case WM_INITDIALOG:
-        OnInitDialog();
-        result = 0;
-        return true;
-    case WM_DESTROY:
-        ClearIconList();
-        m_iconList.Attach(nullptr);  // the list goes with the page; its handle must not be used again
-        result = 0;
-        return true;
-    case WM_COMMAND:
-        if (!OnCommand(LOWORD(wParam), HIWORD(wParam))) return false;
-        result = 0;
-        return true;
-    default:
-        return false;
-    }
+bool CVQCOptionPage::OnDestroy() {
+    ClearIconList();
+    m_iconList.Attach(nullptr);  // its handle must not be used again
+    return true;
 }
 
 void CVQCOptionPage::OnInitDialog() {

@@ -51,10 +51,11 @@ private:
     friend class CVQCPropertyPageImpl<CVQCOptionPage>;
     friend class OwnerDrawRouter<CVQCOptionPage>;
 
-    // The page's own message entries, tried before resizing, owner draw and the sheet
-    // notifications.
-    bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+    // WM_INITDIALOG is answered 0 whether or not there is a record.
+    static constexpr LRESULT kInitDialogAnswer = 0;
     void OnInitDialog();
+    // The list goes with the page: its icons are given back and its handle forgotten.
+    bool OnDestroy();
     // True when the command was one of the page's own.
     bool OnCommand(int id, UINT code);
     void OnBrowse();

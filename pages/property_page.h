@@ -3,7 +3,7 @@
 // in-memory dialog template, fills the page description the sheet is built from, and
 // runs the page's messages through one chain:
 //
-//   1. T::OnPageMessage   the page's own entries (WM_INITDIALOG, WM_COMMAND, ...);
+//   1. OnPageMessage      the page's own entries (WM_INITDIALOG, WM_COMMAND, WM_DESTROY);
 //   2. resizing           WM_SIZE and WM_GETMINMAXINFO by T::ResizeMap() (DialogResizer);
 //   3. owner draw         only when T also derives from OwnerDrawRouter<T>;
 //   4. WM_NOTIFY          the sheet notifications: PSN_APPLY writes the whole record.
@@ -12,10 +12,16 @@
 // CVQCPropertyPageImpl<T>;`):
 //   static const ResizeMapEntry* ResizeMap() noexcept;
 //       its resize map (resize_maps.h);
+//   void OnInitDialog();
+//       fills the page; starts with DlgResize_Init(). The message is answered with
+//       T::kInitDialogAnswer (TRUE unless T says otherwise: the sheet sets the default focus);
+//   bool OnCommand(int id, int code);
+//       true when the command is one of the page's own (the message is then handled);
+//   bool OnDestroy();   (optional)
+//       true when the page handles WM_DESTROY itself;
+// or, instead of those three, its own
 //   bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
-//       true when it handled the message, with the answer in `result` (for WM_INITDIALOG
-//       the dialog procedure's return value: TRUE gives the default focus). Its
-//       WM_INITDIALOG starts with DlgResize_Init().
+//       true when it handled the message, with the answer in `result`.
 //
 // Lifetime. The page object is created with `new` and handed to the sheet through
 // CreatePage(). The sheet calls the page callback: on PSPCB_CREATE the object waits in the
@@ -206,6 +212,33 @@ protected:
 
     // Tells the sheet that this page changed something (enables Apply).
     void SendChanged() const noexcept { SendMessageA(GetParent(window_), PSM_CHANGED, WPARAM(window_), 0); }
+
+    // The page's own entries of the chain, for a page that names no OnPageMessage of its own.
+    bool OnPageMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
+        T* self = static_cast<T*>(this);
+        switch (message) {
+        case WM_INITDIALOG:
+            self->OnInitDialog();
+            result = T::kInitDialogAnswer;
+            return true;
+        case WM_DESTROY:
+            if (!self->OnDestroy()) return false;
+            result = 0;
+            return true;
+        case WM_COMMAND:
+            if (!self->OnCommand(LOWORD(wParam), HIWORD(wParam))) return false;
+            result = 0;
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    // What WM_INITDIALOG answers unless the page says otherwise: TRUE, so the sheet gives
+    // the default focus.
+    static constexpr LRESULT kInitDialogAnswer = TRUE;
+    // A page with nothing to give back when its window goes leaves WM_DESTROY unhandled.
+    bool OnDestroy() { return false; }
 
     // The sheet notifications every page answers alike. A sender other than the page or
     // its sheet is not answered. PSN_APPLY writes the whole record to its file; ten more

@@ -9,22 +9,6 @@ CVQCProxyPage::CVQCProxyPage(VQCFileInfo* record, const char* title)
 
 const ResizeMapEntry* CVQCProxyPage::ResizeMap() noexcept { return kProxyPageResizeMap; }
 
-// ---- The page's own messages -------------------------------------------------------
-bool CVQCProxyPage::OnPageMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
-    switch (message) {
-    case WM_INITDIALOG:
-        OnInitDialog();
-        result = TRUE;  // the default focus
-        return true;
-    case WM_COMMAND:
-        if (!OnCommand(LOWORD(wParam), HIWORD(wParam))) return false;
-        result = 0;
-        return true;
-    default:
-        return false;
-    }
-}
-
 void CVQCProxyPage::OnInitDialog() {
     DlgResize_Init();
 

@@ -24,9 +24,6 @@ public:
 private:
     friend class CVQCPropertyPageImpl<CVQCProxyPage>;
 
-    // The page's own message entries, tried before resizing and the sheet notifications.
-    bool OnPageMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
-
     void OnInitDialog();
     // True when the command is one of the page's own; the record changes only with a
     // record and only for what the user does, not while the page fills its controls.
