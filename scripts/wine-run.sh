@@ -36,6 +36,10 @@ status=0
 wait "$program" || status=$?
 wait "$streamer" || true
 
+# A program that fails before it prints anything leaves ctest an empty log: say what ended.
+if [ "$status" -ne 0 ] && [ ! -s "$output" ]; then
+  echo "wine-run: the program ended with status $status and printed nothing"
+fi
 if [ "$status" -eq 0 ] && [ -n "$gtest_case" ] &&
    ! grep -Eq '^\[  (PASSED  |SKIPPED )\] [1-9][0-9]* tests?\b' "$output"; then
   echo "wine-run: the program ended with status 0 but ran no test"

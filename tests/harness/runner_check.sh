@@ -39,6 +39,11 @@ case "$case_name" in
     [ "$status" -ne 0 ] || fail "a test program that prints nothing must fail"
     grep -q 'ran no test' <<<"$output" || fail "the runner must say why" ;;
 
+  silent-failure)
+    run silent_probe.exe --gtest_filter=Silent.Case --status=3
+    [ "$status" -eq 3 ] || fail "the program's own status must be kept, got $status"
+    grep -q 'ended with status 3 and printed nothing' <<<"$output" || fail "the runner must say what it saw" ;;
+
   hang)
     # A ctest project of its own with one hanging test and a 3 s limit.
     work=$(mktemp -d)
