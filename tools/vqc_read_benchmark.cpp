@@ -1,7 +1,10 @@
 // Measures VQCFileInfo::Read against its floor: the work no reader of the same file can
 // avoid in this process (open, map and close the file, one copy of its bytes, the code-page
 // conversions, CommandLineToArgvW, and the record's -C text and icons). Run by hand:
-//   vqc_read_benchmark [iterations-for-the-small-file [breakdown]]
+//   vqc_read_benchmark [ITERATIONS [breakdown | read-only | floor-only]]
+// ITERATIONS are for the typical file (the 1 MB file gets a twentieth). "breakdown" adds
+// where Read's time goes; "read-only" and "floor-only" run one side alone, ITERATIONS times
+// on the 1 MB file, so that what it costs the system can be counted from outside.
 #include <windows.h>
 #include <shellapi.h>
 
@@ -212,6 +215,21 @@ int main(int argc, char** argv) {
     const std::string bigPath = TempPath("vqc-benchmark-1mb.vqc");
     WriteWholeFile(bigPath, words);
 
+    // One side alone on the 1 MB file, for counting what it costs outside the program
+    // (perf stat -e minor-faults on this process, once with each side).
+    const std::string side = argc > 2 ? argv[2] : "";
+    if (side == "read-only" || side == "floor-only") {
+        for (int i = 0; i < iterations; ++i) {
+            if (side == "read-only")
+                ReadOnce(bigPath);
+            else
+                FloorOnce(bigPath, Images{});
+        }
+        DeleteFileA(typicalPath.c_str());
+        DeleteFileA(bigPath.c_str());
+        return 0;
+    }
+
     Images typicalImages{images[0].dib, images[1].dib};
     for (int warm = 0; warm < 20; ++warm) {
         ReadOnce(typicalPath);
@@ -222,7 +240,7 @@ int main(int argc, char** argv) {
     Measure(("1 MB -C line (" + std::to_string(words.size()) + " bytes)").c_str(), bigPath, Images{},
             std::max(5, iterations / 20));
 
-    if (argc > 2) {
+    if (side == "breakdown") {
         Breakdown(typicalPath, iterations);
         Breakdown(bigPath, std::max(5, iterations / 20));
     }
