@@ -1,7 +1,8 @@
 // What each real page's own dialog procedure answers to the messages the base hands to the
 // page itself: WM_INITDIALOG (TRUE lets the dialog set the default focus; the Options page
 // answers 0), WM_COMMAND from a control that is not the page's own (not handled), and
-// WM_DESTROY (handled only by the Options page, which gives its list back).
+// WM_DESTROY (handled only by the Options page; what it gives back there is pinned by the
+// Options page's own tests).
 #include <gtest/gtest.h>
 
 #include "pages/connection_page.h"
