@@ -15,7 +15,7 @@ export WINEPREFIX="$1"
 shift
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}"
-WINE_LOADER=/usr/lib/wine/wine64
+WINE_LOADER="$(cd "$(dirname "$0")" && pwd)/lib/wine64"
 
 gtest_case=""
 for argument in "$@"; do

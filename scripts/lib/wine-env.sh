@@ -1,6 +1,7 @@
 # Xvfb, the Wine prefix and a persistent wineserver for the Windows tests.
 # Everything started here is stopped when the calling script exits.
-WINE_LOADER=/usr/lib/wine/wine64
+# Every Windows program is started through our loader wrapper (lib/wine64): one address layout.
+WINE_LOADER="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/wine64"
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 

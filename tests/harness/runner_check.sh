@@ -78,6 +78,32 @@ CMAKE
     holders=$(for pid in $processes; do find "/proc/$pid/fd" -lname "$own" 2>/dev/null; done)
     [ -z "$holders" ] || fail "holding this test's output ($own): $holders" ;;
 
+  fixed-layout)
+    # Started the way every test is started, a Windows program runs without address
+    # randomization, so its brk heap begins at the same place below the shared user data
+    # page (0x7ffe0000) on every start, instead of at a random page that sometimes covers it.
+    heaps=()
+    for attempt in 1 2; do
+      bash "$wine_run" "$prefix" "$probes/hang_probe.exe" >/dev/null 2>&1 &
+      runner=$!
+      pid=""
+      for _ in $(seq 100); do
+        pid=$(pgrep -f "^$probes/hang_probe.exe" | head -n1)
+        [ -n "$pid" ] && grep -q '\[heap\]' "/proc/$pid/maps" 2>/dev/null && break
+        pid=""
+        sleep 0.1
+      done
+      [ -n "$pid" ] || { kill "$runner"; fail "hang_probe did not start (attempt $attempt)"; }
+      personality=$(cat "/proc/$pid/personality")
+      heap=$(grep -m1 '\[heap\]' "/proc/$pid/maps" | cut -d' ' -f1)
+      kill "$pid"; wait "$runner" 2>/dev/null
+      echo "attempt $attempt: personality $personality, heap $heap"
+      (( 0x$personality & 0x0040000 )) || fail "the program must run with ADDR_NO_RANDOMIZE, personality $personality"
+      (( 0x${heap#*-} <= 0x7ff00000 )) || fail "the heap $heap must end below Wine's reserved area at 0x7ff00000"
+      heaps+=("$heap")
+    done
+    [ "${heaps[0]%-*}" = "${heaps[1]%-*}" ] || fail "the heap must start at the same place on every start: ${heaps[*]}" ;;
+
   *) fail "unknown case $case_name" ;;
 esac
 echo "ok: $case_name"

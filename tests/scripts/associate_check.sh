@@ -7,7 +7,7 @@
 set -uo pipefail
 root="$1"
 export VQC_WINEPREFIX="$2" WINEPREFIX="$2" WINEDEBUG=-all
-WINE_LOADER=/usr/lib/wine/wine64
+WINE_LOADER="$root/scripts/lib/wine64"
 clsid="{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}"
 
 fail() { echo "FAIL: $*"; bash "$root/scripts/associate.sh" -u >/dev/null 2>&1; exit 1; }

@@ -14,7 +14,7 @@ fail() { echo "FAIL: $*"; exit 1; }
 
 work=$(mktemp -d)
 cleanup() {
-  /usr/lib/wine/wine64 regsvr32 /u /s "Z:$(tr / '\\' <<<"$BUILD_DIR/properties/extension/vqcprop64.dll")" \
+  "$root/scripts/lib/wine64" regsvr32 /u /s "Z:$(tr / '\\' <<<"$BUILD_DIR/properties/extension/vqcprop64.dll")" \
     </dev/null >/dev/null 2>&1
   rm -rf "$work"
 }
