@@ -14,6 +14,7 @@
 #include "pages/resize_maps.h"
 #include "resources/dialog_template.h"
 #include "tests/pages/page_test_support.h"
+#include "tests/window_assertions.h"
 
 using namespace page_test;
 
@@ -276,7 +277,7 @@ TEST(DialogResizer, GripperAndMinimumWhenAskedFor) {
     DialogResizer resizer;
     resizer.Init(dialog, kOptionPageResizeMap, true, true, WS_CLIPCHILDREN);
     ASSERT_NE(resizer.Gripper(), nullptr);
-    EXPECT_EQ(GetParent(resizer.Gripper()), dialog);
+    EXPECT_TRUE(IsSameWindow(GetParent(resizer.Gripper()), dialog));
     EXPECT_TRUE(GetWindowLongPtrA(resizer.Gripper(), GWL_STYLE) & SBS_SIZEGRIP);
     EXPECT_TRUE(GetWindowLongPtrA(dialog, GWL_STYLE) & WS_CLIPCHILDREN);
     RECT window{};

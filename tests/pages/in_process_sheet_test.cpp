@@ -10,6 +10,7 @@
 #include "shellext/vqcprop_module.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/shellext/shellext_test_support.h"
+#include "tests/window_assertions.h"
 
 using namespace page_test;
 
@@ -195,7 +196,7 @@ TEST(InProcessSheet, WriteFailureKeepsTheSheetOnThePageAndTheEditsForARetry) {
         ASSERT_TRUE(lock);
         ClickButton(sheet.sheet(), IDOK);
         EXPECT_FALSE(SheetClosed(sheet.sheet()));
-        EXPECT_EQ(CurrentPage(sheet.sheet()), page);
+        EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.sheet()), page));
         EXPECT_EQ(record->lastError, static_cast<std::uint32_t>(ERROR_SHARING_VIOLATION));
         EXPECT_EQ(record->host, "edited.example");
     }

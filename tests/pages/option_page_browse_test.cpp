@@ -16,6 +16,7 @@
 #include "resources/local_string_cache.h"
 #include "tests/pages/file_dialog_driver.h"
 #include "tests/pages/option_page_test_support.h"
+#include "tests/window_assertions.h"
 
 using namespace option_test;
 using page_test::TempFolder;
@@ -200,7 +201,7 @@ TEST(OptionPageBrowseDialog, TypedFileChangesLabelAndListThenAClickChangesTheRec
     driver.Finish();
     ASSERT_TRUE(driver.sawDialog());
     EXPECT_EQ(driver.title(), "Open");
-    EXPECT_EQ(driver.owner(), sheet.sheet());  // the page's top-level window
+    EXPECT_TRUE(IsSameWindow(driver.owner(), sheet.sheet()));  // the page's top-level window
     EXPECT_EQ(driver.fileNameShown(), "option_icons.dll");
     EXPECT_EQ(driver.fileTypeShown(), "Executable and icon files");
 

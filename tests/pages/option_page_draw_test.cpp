@@ -14,6 +14,7 @@
 #include "pages/option_page.h"
 #include "tests/pages/option_page_test_support.h"
 #include "tests/registration/registry_test_support.h"
+#include "tests/window_assertions.h"
 
 using namespace option_test;
 using page_test::TempFolder;
@@ -170,7 +171,7 @@ TEST(OptionPageDraw, SelectedItemIsFilledWithTheHighlightColour) {
     const std::vector<std::uint32_t> expected =
         ExpectedItem(width, height, sheet.ListIcon(1), 32, GetSysColor(COLOR_HIGHLIGHT));
     // The list does not have the focus, so no focus rectangle is drawn.
-    EXPECT_NE(GetFocus(), sheet.list());
+    EXPECT_FALSE(IsSameWindow(GetFocus(), sheet.list()));
     EXPECT_EQ(pixels, expected);
     EXPECT_GT(CountOf(pixels, Rgb(GetSysColor(COLOR_HIGHLIGHT))), width * height / 4);
 
@@ -187,7 +188,7 @@ TEST(OptionPageDraw, FocusedListDrawsTheFocusRectangleAroundTheCurrentItem) {
     sheet.ClickItem(0);
     SetFocus(sheet.list());
     page_test::PumpMessages();
-    ASSERT_EQ(GetFocus(), sheet.list());
+    ASSERT_TRUE(IsSameWindow(GetFocus(), sheet.list()));
     const RECT item = ItemRect(sheet.list(), 0);
     const int width = item.right - item.left, height = item.bottom - item.top;
     const std::uint32_t highlight = Rgb(GetSysColor(COLOR_HIGHLIGHT));

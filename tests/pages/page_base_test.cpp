@@ -16,6 +16,7 @@
 #include "pages/resize_maps.h"
 #include "tests/connection/test_files.h"
 #include "tests/pages/page_test_support.h"
+#include "tests/window_assertions.h"
 
 using namespace page_test;
 
@@ -241,9 +242,9 @@ TEST(PageBinding, FirstMessageBindsTheObjectToItsWindow) {
     ASSERT_NE(sheet.Show(), nullptr);
     const HWND window = PageWindow(sheet.sheet(), 0);
     ASSERT_NE(window, nullptr);
-    EXPECT_EQ(page->Window(), window);
+    EXPECT_TRUE(IsSameWindow(page->Window(), window));
     EXPECT_EQ(CVQCConnectionPage::FromWindow(window), page);
-    EXPECT_EQ(GetParent(window), sheet.sheet());
+    EXPECT_TRUE(IsSameWindow(GetParent(window), sheet.sheet()));
 }
 
 TEST(PageBinding, ObjectsOwnProcedureAnswersFromTheFirstMessageOn) {
@@ -265,7 +266,7 @@ TEST(PageBinding, TwoSheetsOneAfterTheOtherBindTheirOwnObjects) {
     ASSERT_NE(second.Show(), nullptr);
     EXPECT_EQ(ProbePage::FromWindow(PageWindow(first.sheet(), 0)), firstPage);
     EXPECT_EQ(ProbePage::FromWindow(PageWindow(second.sheet(), 0)), secondPage);
-    EXPECT_NE(firstPage->Window(), secondPage->Window());
+    EXPECT_FALSE(IsSameWindow(firstPage->Window(), secondPage->Window()));
     EXPECT_EQ(firstPage->initDialogs, 1);
     EXPECT_EQ(secondPage->initDialogs, 1);
     EXPECT_EQ(TheModule().WindowCreation().Count(), 0);
@@ -390,7 +391,7 @@ TEST(PageNotifications, ApplyWithoutARecordKeepsTheSheetOpenOnThePage) {
     EXPECT_EQ(Apply(sheet.sheet()), FALSE);
     ClickButton(sheet.sheet(), IDOK);
     EXPECT_FALSE(SheetClosed(sheet.sheet()));
-    EXPECT_EQ(CurrentPage(sheet.sheet()), page);
+    EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.sheet()), page));
 }
 
 TEST(PageNotifications, ApplyWithoutARecordAnswersInvalidNoChangePage) {
@@ -417,7 +418,7 @@ TEST(PageNotifications, SuccessfulApplyAnswersNoErrorAndTellsTheSheetThePageIsUn
     EXPECT_EQ(result, PSNRET_NOERROR);
     ASSERT_EQ(messages.seen.size(), 1u);
     EXPECT_EQ(messages.seen[0].first, static_cast<UINT>(PSM_UNCHANGED));
-    EXPECT_EQ(messages.seen[0].second, page->Window());
+    EXPECT_TRUE(IsSameWindow(messages.seen[0].second, page->Window()));
 }
 
 TEST(PageNotifications, FailedWriteAnswersInvalidNoChangePageAndSendsNothing) {
@@ -450,6 +451,17 @@ TEST(SameWindow, HandlesThatDifferOnlyInTheirUpperHalfNameOneWindow) {
     EXPECT_TRUE(SameWindow(reinterpret_cast<HWND>(0x1234ull), reinterpret_cast<HWND>(0x1234ull)));
     EXPECT_FALSE(SameWindow(reinterpret_cast<HWND>(0x1234ull), reinterpret_cast<HWND>(0x1235ull)));
     EXPECT_FALSE(SameWindow(reinterpret_cast<HWND>(0x1234ull), nullptr));
+}
+
+TEST(SameWindow, AssertionNamesTheSheetInBothFormsOfItsHandleAndNoOtherWindow) {
+    DirectSheet sheet;
+    auto* page = sheet.Add<ProbePage>(nullptr);
+    ASSERT_NE(sheet.Show(), nullptr);
+    EXPECT_TRUE(IsSameWindow(OtherFormOf(sheet.sheet()), sheet.sheet()));
+    EXPECT_TRUE(IsSameWindow(GetParent(page->Window()), OtherFormOf(sheet.sheet())));
+    const ::testing::AssertionResult different = IsSameWindow(page->Window(), sheet.sheet());
+    EXPECT_FALSE(different);
+    EXPECT_NE(std::string(different.message()).find("name different windows"), std::string::npos);
 }
 
 TEST(PageNotifications, ApplyFromTheSheetInTheOtherFormOfItsHandleWrites) {
@@ -621,5 +633,5 @@ TEST(PageHelpers, SendChangedTellsTheSheetWithThePagesWindowAndEnablesApply) {
     EXPECT_TRUE(IsWindowEnabled(applyButton));
     ASSERT_EQ(messages.seen.size(), 1u);
     EXPECT_EQ(messages.seen[0].first, static_cast<UINT>(PSM_CHANGED));
-    EXPECT_EQ(messages.seen[0].second, page->Window());
+    EXPECT_TRUE(IsSameWindow(messages.seen[0].second, page->Window()));
 }

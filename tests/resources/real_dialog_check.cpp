@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/same_window.h"
 #include "expected_tables.h"
 #include "resources/dialog_template.h"
 #include "resources/local_strings.h"
@@ -86,12 +87,14 @@ LRESULT CALLBACK RecordCreation(int code, WPARAM wParam, LPARAM lParam) {
 // A control's creation, found by its id among the children of the dialog (the first window
 // the hook saw). Controls make children of their own (a combo box's edit has id 1001), so
 // the parent matters. Handles are not compared with the live windows: in the full parallel
-// test run Wine sometimes showed the hook a handle that GetWindow did not return later.
+// test run Wine sometimes showed the hook a handle that GetWindow did not return later. The
+// hook's own handles are compared by the window they name, as any two handles that may have
+// come through different calls must be.
 const Creation* FindCreation(const std::vector<Creation>& creations, int id) {
     if (creations.empty()) return nullptr;
     const HWND dialog = creations.front().window;
     for (const Creation& c : creations)
-        if (c.parent == dialog && c.id == id) return &c;
+        if (SameWindow(c.parent, dialog) && c.id == id) return &c;
     return nullptr;
 }
 
