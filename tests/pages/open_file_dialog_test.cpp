@@ -10,6 +10,7 @@
 
 #include "resources/local_string_cache.h"
 #include "shellext/vqcprop_module.h"
+#include "tests/window_assertions.h"
 
 namespace {
 
@@ -83,7 +84,7 @@ TEST_F(RecordingDialog, HandsOverTheCallersFlagsPlusExplorerHookAndSizing) {
     EXPECT_EQ(s.lStructSize, 152u);
     EXPECT_EQ(s.Flags, static_cast<DWORD>(0x1004 | kAddedFlags));
     EXPECT_EQ(s.Flags, 0x00881024u);
-    EXPECT_EQ(s.hwndOwner, owner.get());
+    EXPECT_TRUE(IsSameWindow(s.hwndOwner, owner.get()));
     EXPECT_EQ(s.lpstrDefExt, nullptr);
     EXPECT_NE(s.lpfnHook, nullptr);
     EXPECT_EQ(s.nMaxFile, 260u);
@@ -155,7 +156,7 @@ Found* g_found = nullptr;
 BOOL CALLBACK FindOwnedDialog(HWND window, LPARAM) {
     char className[16] = {};
     GetClassNameA(window, className, sizeof(className));
-    if (std::strcmp(className, "#32770") == 0 && GetWindow(window, GW_OWNER) == g_found->owner) {
+    if (std::strcmp(className, "#32770") == 0 && SameWindow(GetWindow(window, GW_OWNER), g_found->owner)) {
         g_found->dialog = window;
         return FALSE;
     }

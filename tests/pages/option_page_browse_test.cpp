@@ -79,7 +79,7 @@ TEST_F(RecordedBrowse, DialogGetsTheSourceTheFlagsTheFilterAndThePageAsOwner) {
     EXPECT_EQ(recorded.settings.lStructSize, 152u);
     EXPECT_EQ(recorded.settings.lStructSize, OpenFileDialog::StructureSize());
     EXPECT_EQ(recorded.settings.Flags, 0x881024u);
-    EXPECT_EQ(recorded.settings.hwndOwner, sheet.window());
+    EXPECT_TRUE(IsSameWindow(recorded.settings.hwndOwner, sheet.window()));
     EXPECT_EQ(recorded.settings.lpstrDefExt, nullptr);
     EXPECT_EQ(recorded.settings.nMaxFile, 260u);
     EXPECT_EQ(recorded.file, IconsDll());

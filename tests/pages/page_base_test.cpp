@@ -330,7 +330,7 @@ TEST(PageBinding, ObjectWaitingOnOneThreadIsNotTakenByAnotherThreadsWindow) {
                                                    ProbePage::StartDialogProc, 0);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(ProbePage::FromWindow(window), waiting);
-    EXPECT_EQ(waiting->Window(), window);
+    EXPECT_TRUE(IsSameWindow(waiting->Window(), window));
     EXPECT_EQ(waiting->initDialogs, 1);
     DestroyWindow(window);
     EXPECT_EQ(waiting->Window(), nullptr);
