@@ -1,17 +1,18 @@
 // The Options page draws its icon list itself: items one and a half icon sizes square,
 // the window or highlight colour around the item's icon, the icon where an icon of the
 // nominal size would be centred, and the focus rectangle. Pixels are read back from the
-// list's window, and from a page's answer to a WM_DRAWITEM of our own.
+// list's window, and from a page's answer to a WM_DRAWITEM of our own. The list drawn with
+// the real keyboard focus is option_page_focus_test.cpp's.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "pages/option_page.h"
+#include "tests/pages/option_page_draw_support.h"
 #include "tests/pages/option_page_test_support.h"
 #include "tests/registration/registry_test_support.h"
 #include "tests/window_assertions.h"
@@ -20,20 +21,6 @@ using namespace option_test;
 using page_test::TempFolder;
 
 namespace {
-
-ComPtr<VQCFileInfo> IconsRecord(const TempFolder& folder) {
-    const std::string file = folder.File("draw.vqc");
-    WriteFileBytes(file, "-h server ");
-    ComPtr<VQCFileInfo> record = RecordFor(file);
-    record->clientPath = IconsDll();
-    return record;
-}
-
-RECT ItemRect(HWND list, int index) {
-    RECT rect{};
-    SendMessageA(list, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&rect));
-    return rect;
-}
 
 // What an item must look like: `fill` everywhere but where the icon lands, which is
 // left + (width - nominal) / 2, top + (height - nominal) / 2, the icon at its own size.
@@ -50,20 +37,6 @@ std::vector<std::uint32_t> ExpectedItem(int width, int height, HICON icon, int n
             pixels[static_cast<std::size_t>(py) * width + px] = drawn[static_cast<std::size_t>(y) * size + x];
         }
     return pixels;
-}
-
-// The pixels along the inside edge of a width x height picture, clockwise from top-left.
-std::vector<std::uint32_t> Edge(const std::vector<std::uint32_t>& pixels, int width, int height) {
-    std::vector<std::uint32_t> edge;
-    for (int x = 0; x < width; ++x) edge.push_back(pixels[x]);
-    for (int y = 1; y < height; ++y) edge.push_back(pixels[static_cast<std::size_t>(y) * width + width - 1]);
-    for (int x = width - 2; x >= 0; --x) edge.push_back(pixels[static_cast<std::size_t>(height - 1) * width + x]);
-    for (int y = height - 2; y > 0; --y) edge.push_back(pixels[static_cast<std::size_t>(y) * width]);
-    return edge;
-}
-
-long CountOf(const std::vector<std::uint32_t>& pixels, std::uint32_t value) {
-    return static_cast<long>(std::count(pixels.begin(), pixels.end(), value));
 }
 
 // A picture the page draws into through WM_DRAWITEM: a 32-bit DIB section in a memory DC,
@@ -179,29 +152,6 @@ TEST(OptionPageDraw, SelectedItemIsFilledWithTheHighlightColour) {
     EXPECT_EQ(WindowPixels(sheet.list(), other),
               ExpectedItem(other.right - other.left, other.bottom - other.top, sheet.ListIcon(0), 32,
                            GetSysColor(COLOR_WINDOW)));
-}
-
-TEST(OptionPageDraw, FocusedListDrawsTheFocusRectangleAroundTheCurrentItem) {
-    TempFolder folder("option-draw-focus");
-    const ComPtr<VQCFileInfo> record = IconsRecord(folder);
-    OptionSheet sheet(record.Get());
-    sheet.ClickItem(0);
-    SetFocus(sheet.list());
-    page_test::PumpMessages();
-    ASSERT_TRUE(IsSameWindow(GetFocus(), sheet.list()));
-    const RECT item = ItemRect(sheet.list(), 0);
-    const int width = item.right - item.left, height = item.bottom - item.top;
-    const std::uint32_t highlight = Rgb(GetSysColor(COLOR_HIGHLIGHT));
-    const std::vector<std::uint32_t> edge = Edge(WindowPixels(sheet.list(), item), width, height);
-    // The dotted rectangle inverts every other pixel of the edge.
-    EXPECT_GT(CountOf(edge, highlight), static_cast<long>(edge.size()) / 4);
-    EXPECT_GT(CountOf(edge, highlight ^ 0x00FFFFFF), static_cast<long>(edge.size()) / 4);
-
-    // Without the focus the edge is the plain fill.
-    SetFocus(sheet.control(CVQCOptionPage::kBrowseButtonId));
-    page_test::PumpMessages();
-    const std::vector<std::uint32_t> plain = Edge(WindowPixels(sheet.list(), item), width, height);
-    EXPECT_EQ(CountOf(plain, highlight), static_cast<long>(plain.size()));
 }
 
 TEST(OptionPageDraw, LargerIconSizeMakesLargerItemsWithTheIconWhereANominalOneWouldBeCentred) {
