@@ -141,7 +141,9 @@ HWND PropertiesOnShellThread::WaitForSheet(DWORD milliseconds) const {
     if (!thread_) return nullptr;
     const ULONGLONG end = GetTickCount64() + milliseconds;
     for (;;) {
-        if (const HWND sheet = FindPropertySheet(threadId_)) return sheet;
+        // The sheet's window and tabs exist while it is still building its pages; a user
+        // meets it, and can touch it, only once it is shown.
+        if (const HWND sheet = FindPropertySheet(threadId_); sheet && IsWindowVisible(sheet)) return sheet;
         if (WaitForSingleObject(thread_, 0) == WAIT_OBJECT_0 || GetTickCount64() >= end) return nullptr;
         Sleep(20);
     }

@@ -34,7 +34,8 @@ public:
     PropertiesOnShellThread& operator=(const PropertiesOnShellThread&) = delete;
 
     bool started() const { return thread_ != nullptr; }
-    // The sheet once it exists; null when none appeared within the time or the verb returned.
+    // The sheet once it is shown (built, with its first page); null when none was shown
+    // within the time or the verb returned.
     HWND WaitForSheet(DWORD milliseconds) const;
     // True when the verb has returned within the time.
     bool WaitUntilReturned(DWORD milliseconds) const;

@@ -113,6 +113,8 @@ TEST_F(ShellProperties, VerbOpensTheShellsGeneralPageThenConnectionProxyAndOptio
     PropertiesOnShellThread road({file});
     const HWND sheet = road.WaitForSheet(kSheetWait);
     ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.result();
+    // Found only once shown, as a user meets it: before that it is still building its pages.
+    EXPECT_TRUE(IsWindowVisible(sheet));
     EXPECT_EQ(Titles(sheet), (std::vector<std::string>{"General", "Connection", "Proxy", "Options"}));
     Press(sheet, PSBTN_CANCEL);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
