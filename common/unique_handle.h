@@ -11,28 +11,28 @@ public:
 
     UniqueHandle() noexcept = default;
     explicit UniqueHandle(Handle handle) noexcept : handle_(handle) {}
-    UniqueHandle(UniqueHandle&& other) noexcept : handle_(other.release()) {}
+    UniqueHandle(UniqueHandle&& other) noexcept : handle_(other.Detach()) {}
     UniqueHandle& operator=(UniqueHandle&& other) noexcept {
-        if (this != &other) reset(other.release());
+        if (this != &other) Reset(other.Detach());
         return *this;
     }
     UniqueHandle(const UniqueHandle&) = delete;
     UniqueHandle& operator=(const UniqueHandle&) = delete;
-    ~UniqueHandle() { reset(); }
+    ~UniqueHandle() { Reset(); }
 
-    Handle get() const noexcept { return handle_; }
+    Handle Get() const noexcept { return handle_; }
     explicit operator bool() const noexcept { return Traits::IsValid(handle_); }
 
     // Closes the held handle (if any) before taking the new one.
-    void reset(Handle handle = Traits::Invalid()) noexcept {
+    void Reset(Handle handle = Traits::Invalid()) noexcept {
         const Handle old = std::exchange(handle_, handle);
         if (Traits::IsValid(old)) Traits::Close(old);
     }
-    Handle release() noexcept { return std::exchange(handle_, Traits::Invalid()); }
+    Handle Detach() noexcept { return std::exchange(handle_, Traits::Invalid()); }
 
     // For APIs that return a handle through an out-parameter.
-    Handle* put() noexcept {
-        reset();
+    Handle* Put() noexcept {
+        Reset();
         return &handle_;
     }
 

@@ -68,7 +68,7 @@ public:
     ~WindowDC() { if (dc_) ReleaseDC(window_, dc_); }
     WindowDC(const WindowDC&) = delete;
     WindowDC& operator=(const WindowDC&) = delete;
-    HDC get() const noexcept { return dc_; }
+    HDC Get() const noexcept { return dc_; }
 
 private:
     HWND window_;

@@ -34,9 +34,9 @@ struct CodePageConverters {
     CodePageConverters() {
         if (!kernel32) return;
         toWide = reinterpret_cast<MultiByteToWideCharFn>(
-            reinterpret_cast<void*>(GetProcAddress(kernel32.get(), "MultiByteToWideChar")));
+            reinterpret_cast<void*>(GetProcAddress(kernel32.Get(), "MultiByteToWideChar")));
         toAnsi = reinterpret_cast<WideCharToMultiByteFn>(
-            reinterpret_cast<void*>(GetProcAddress(kernel32.get(), "WideCharToMultiByte")));
+            reinterpret_cast<void*>(GetProcAddress(kernel32.Get(), "WideCharToMultiByte")));
     }
     bool ok() const { return toWide && toAnsi; }
 };
@@ -80,7 +80,7 @@ void WaitForDebugger() {
 std::int32_t RedirectRegistryToSandbox(const char* prefix) {
     UniqueRegKey sandbox;
     if (RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Marrowby\\setup\\sandbox", 0, nullptr, 0,
-                        KEY_READ | KEY_WRITE, nullptr, sandbox.put(), nullptr) != ERROR_SUCCESS)
+                        KEY_READ | KEY_WRITE, nullptr, sandbox.Put(), nullptr) != ERROR_SUCCESS)
         return 0;
 
     static const struct {
@@ -103,9 +103,9 @@ std::int32_t RedirectRegistryToSandbox(const char* prefix) {
         else
             std::snprintf(name, sizeof(name), "%s", root.name);
         UniqueRegKey redirected;
-        if (RegCreateKeyExA(sandbox.get(), name, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
-                            redirected.put(), nullptr) != ERROR_SUCCESS ||
-            RegOverridePredefKey(root.root, redirected.get()) != ERROR_SUCCESS)
+        if (RegCreateKeyExA(sandbox.Get(), name, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
+                            redirected.Put(), nullptr) != ERROR_SUCCESS ||
+            RegOverridePredefKey(root.root, redirected.Get()) != ERROR_SUCCESS)
             result = 0;
     }
     return result;
@@ -138,7 +138,7 @@ std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** ar
     const UniqueLocalMemory wideArgs(
         reinterpret_cast<HLOCAL>(CommandLineToArgvW(wide.data(), &argc)));
     if (!wideArgs) return 0;
-    wchar_t** const wideArgv = reinterpret_cast<wchar_t**>(wideArgs.get());
+    wchar_t** const wideArgv = reinterpret_cast<wchar_t**>(wideArgs.Get());
 
     // One block: argc + 2 pointer slots, then every argument's 8-bit text. The texts are
     // measured in one pass and converted into the room left in a second, so no table of
@@ -152,9 +152,9 @@ std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** ar
     UniqueLocalMemory block(LocalAlloc(LMEM_FIXED | LMEM_ZEROINIT, total));
     if (!block) return 0;
 
-    char** const argv = static_cast<char**>(block.get());
-    char* strings = reinterpret_cast<char*>(block.get()) + slotBytes;
-    const char* const end = reinterpret_cast<const char*>(block.get()) + total;
+    char** const argv = static_cast<char**>(block.Get());
+    char* strings = reinterpret_cast<char*>(block.Get()) + slotBytes;
+    const char* const end = reinterpret_cast<const char*>(block.Get()) + total;
     for (int i = 0; i < argc; ++i) {
         argv[i] = strings;
         const std::size_t room = static_cast<std::size_t>(end - strings);
@@ -171,7 +171,7 @@ std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** ar
     argv[argc + 1] = nullptr;
 
     if (argcOut) *argcOut = argc;
-    if (argvOut) *argvOut = static_cast<char**>(block.release());
+    if (argvOut) *argvOut = static_cast<char**>(block.Detach());
 
     if (!registrationCallback || argc < 2) return 0;
     const argument_text::RegistrationKeyword* keyword =

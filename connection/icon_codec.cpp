@@ -72,9 +72,9 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     const UniqueGdiObject colour(info.hbmColor);
     const UniqueGdiObject mask(info.hbmMask);
     if (!mask) return std::nullopt;
-    if (!colour) return ReadMonochromeIconImage(dc, static_cast<HBITMAP>(mask.get()));
+    if (!colour) return ReadMonochromeIconImage(dc, static_cast<HBITMAP>(mask.Get()));
 
-    const std::optional<BITMAPINFOHEADER> query = QueryBitmapFormat(dc, static_cast<HBITMAP>(colour.get()));
+    const std::optional<BITMAPINFOHEADER> query = QueryBitmapFormat(dc, static_cast<HBITMAP>(colour.Get()));
     if (!query) return std::nullopt;
 
     IconImageFormat format;
@@ -95,7 +95,7 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     colourInfo.header.biClrUsed = 0;
     colourInfo.header.biClrImportant = 0;
     std::vector<std::uint8_t> xorBits(std::size_t{rows} * XorRowBytes(format));
-    if (GetDIBits(dc, static_cast<HBITMAP>(colour.get()), 0, rows, xorBits.data(),
+    if (GetDIBits(dc, static_cast<HBITMAP>(colour.Get()), 0, rows, xorBits.data(),
                   reinterpret_cast<BITMAPINFO*>(&colourInfo), DIB_RGB_COLORS) != static_cast<int>(rows))
         return std::nullopt;
     const std::uint32_t colours = ColourTableEntries(format.bitsPerPixel);
@@ -104,7 +104,7 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
 
     // The mask read as 1 bit per pixel at the colour bitmap's size.
     const std::optional<std::vector<std::uint8_t>> andBits =
-        ReadOneBitRows(dc, static_cast<HBITMAP>(mask.get()), format.width, format.height);
+        ReadOneBitRows(dc, static_cast<HBITMAP>(mask.Get()), format.width, format.height);
     if (!andBits) return std::nullopt;
 
     try {
@@ -158,10 +158,10 @@ std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon) {
     std::vector<IconImage> images;
     {
         const WindowDC desktop(GetDesktopWindow());
-        if (!desktop.get()) return 0;
+        if (!desktop.Get()) return 0;
         for (HICON handle : {icon, smallIcon}) {
             if (!handle) continue;
-            std::optional<IconImage> image = ReadIconImage(desktop.get(), handle);
+            std::optional<IconImage> image = ReadIconImage(desktop.Get(), handle);
             if (!image) return 0;
             images.push_back(std::move(*image));
         }

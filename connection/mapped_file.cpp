@@ -14,21 +14,21 @@ bool MappedFile::Fail() noexcept {
 bool MappedFile::Open(const char* path, MapAccess access) {
     Close();
     const MapAccessRule& rule = RuleFor(access);
-    file_.reset(CreateFileA(path, rule.fileAccess, rule.shareMode, nullptr, OPEN_EXISTING,
+    file_.Reset(CreateFileA(path, rule.fileAccess, rule.shareMode, nullptr, OPEN_EXISTING,
                             FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file_) return Fail();
-    mapping_.reset(CreateFileMappingA(file_.get(), nullptr, rule.pageProtection, 0, 0, nullptr));
+    mapping_.Reset(CreateFileMappingA(file_.Get(), nullptr, rule.pageProtection, 0, 0, nullptr));
     if (!mapping_) return Fail();
-    const DWORD size = GetFileSize(file_.get(), nullptr);
+    const DWORD size = GetFileSize(file_.Get(), nullptr);
     size_ = size == INVALID_FILE_SIZE ? 0 : size;
-    view_.reset(MapViewOfFileEx(mapping_.get(), rule.viewAccess, 0, 0, 0, nullptr));
+    view_.Reset(MapViewOfFileEx(mapping_.Get(), rule.viewAccess, 0, 0, 0, nullptr));
     if (!view_) return Fail();
     return true;
 }
 
 void MappedFile::Close() noexcept {
-    view_.reset();
-    file_.reset();
-    mapping_.reset();
+    view_.Reset();
+    file_.Reset();
+    mapping_.Reset();
     size_ = 0;
 }

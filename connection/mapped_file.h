@@ -44,7 +44,7 @@ public:
     // Unmaps the view, closes the file, then the mapping.
     void Close() noexcept;
 
-    const void* view() const noexcept { return view_.get(); }
+    const void* view() const noexcept { return view_.Get(); }
     std::uint32_t size() const noexcept { return size_; }
     DWORD error() const noexcept { return error_; }
 

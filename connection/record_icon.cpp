@@ -2,18 +2,18 @@
 
 #include <utility>
 
-void RecordIcon::reset(HICON icon) noexcept {
-    handle_.reset(icon);
+void RecordIcon::Reset(HICON icon) noexcept {
+    handle_.Reset(icon);
     source_ = DecodedIcon{};
 }
 
-HICON RecordIcon::release() noexcept {
+HICON RecordIcon::Detach() noexcept {
     source_ = DecodedIcon{};
-    return handle_.release();
+    return handle_.Detach();
 }
 
 void RecordIcon::ResetDecoded(DecodedIcon&& decoded) noexcept {
-    handle_.reset(std::exchange(decoded.handle, nullptr));
+    handle_.Reset(std::exchange(decoded.handle, nullptr));
     source_ = std::move(decoded);
     if (!handle_) source_ = DecodedIcon{};
 }
@@ -23,5 +23,5 @@ HICON RecordIcon::Copy() const {
     if (!source_.image.empty()) {
         if (const HICON remade = RemakeIcon(source_)) return remade;
     }
-    return CopyIcon(handle_.get());
+    return CopyIcon(handle_.Get());
 }

@@ -16,13 +16,13 @@ public:
     RecordIcon(const RecordIcon&) = delete;
     RecordIcon& operator=(const RecordIcon&) = delete;
 
-    HICON get() const noexcept { return handle_.get(); }
+    HICON Get() const noexcept { return handle_.Get(); }
     explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
 
     // Takes over an icon from elsewhere (destroying the one held) and forgets the image.
-    void reset(HICON icon = nullptr) noexcept;
+    void Reset(HICON icon = nullptr) noexcept;
     // Gives the icon up to the caller and forgets the image.
-    HICON release() noexcept;
+    HICON Detach() noexcept;
     // Takes over an icon the reader decoded, with its image.
     void ResetDecoded(DecodedIcon&& decoded) noexcept;
 

@@ -52,6 +52,6 @@ bool VQCFileInfo::IsInDomain() {
 }
 
 void VQCFileInfo::SetIcons(HICON large, HICON small) noexcept {
-    icon.reset(large);
-    smallIcon.reset(small);
+    icon.Reset(large);
+    smallIcon.Reset(small);
 }

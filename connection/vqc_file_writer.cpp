@@ -32,7 +32,7 @@ std::int32_t VQCFileInfo::Write(const char* path) {
     std::string line;
     try {
         std::string iconText;
-        const bool withIcon = MakeIconText(icon.get(), smallIcon.get(), iconText);
+        const bool withIcon = MakeIconText(icon.Get(), smallIcon.Get(), iconText);
         line = BuildOptionLine(*this, withIcon ? iconText.c_str() : nullptr);
     } catch (const std::bad_alloc&) {
         throw HResultError(kResultFail);  // no string storage for the text
@@ -47,7 +47,7 @@ std::int32_t VQCFileInfo::Write(const char* path) {
         return 1;
     }
     DWORD written = 0;
-    if (!WriteFile(file.get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) ||
+    if (!WriteFile(file.Get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) ||
         written != line.size()) {
         lastError = GetLastError();
         return 1;

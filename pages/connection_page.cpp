@@ -5,7 +5,7 @@
 
 #include "pages/connection_page_environment.h"
 #include "pages/resize_maps.h"
-#include "pages/scoped_flag.h"
+#include "ui/scoped_flag.h"
 #include "resources/local_string_cache.h"
 
 using namespace connection_page;
@@ -49,17 +49,10 @@ CVQCConnectionPage::CVQCConnectionPage(VQCFileInfo* record, const char* title)
 
 const ResizeMapEntry* CVQCConnectionPage::ResizeMap() noexcept { return kConnectionPageResizeMap; }
 
-HWND CVQCConnectionPage::Handle(int id) const noexcept {
-    for (std::size_t i = 0; i < kHandleIds.size(); ++i)
-        if (kHandleIds[i] == id) return handles_[i];
-    return Control(id);
-}
-
 void CVQCConnectionPage::OnInitDialog() {
     DlgResize_Init();
-    for (std::size_t i = 0; i < kHandleIds.size(); ++i) handles_[i] = Control(kHandleIds[i]);
 
-    const ScopedFlag filling(filling_);
+    const ScopedFlag filling(m_filling);
     FillLoginTypeList();
     FillConnectionTypeList();
     if (Record()) FillFromRecord();
@@ -67,43 +60,43 @@ void CVQCConnectionPage::OnInitDialog() {
 
 void CVQCConnectionPage::FillLoginTypeList() {
     VQCFileInfo* record = Record();
-    const HWND list = Handle(kLoginTypeList);
+    const HWND list = Control(kLoginTypeList);
     for (LoginType type : OfferedLoginTypes(record, [record] { return record->IsInDomain(); }))
         AddListItem(list, ListText(EntryOf(type).textId));
     for (const LoginTypeEntry& entry : kLoginTypes)
-        loginTypeIndex_[static_cast<std::size_t>(entry.type)] = FindListItem(list, ListText(entry.textId));
+        m_loginTypeIndex[static_cast<std::size_t>(entry.type)] = FindListItem(list, ListText(entry.textId));
 }
 
 void CVQCConnectionPage::FillConnectionTypeList() {
-    const HWND list = Handle(kConnectionTypeList);
-    const bool serverModule = IsServerModulePresent(TheModule().instance);
+    const HWND list = Control(kConnectionTypeList);
+    const bool serverModule = IsServerModulePresent(TheModuleRuntime().Instance());
     for (ConnectionType type : OfferedConnectionTypes(Record(), serverModule))
         AddListItem(list, ListText(EntryOf(type).textId));
     // The list sorts its items: every position is looked up by its text.
     for (const ConnectionTypeEntry& entry : kConnectionTypes)
-        connectionTypeIndex_[static_cast<std::size_t>(entry.type)] = FindListItem(list, ListText(entry.textId));
+        m_connectionTypeIndex[static_cast<std::size_t>(entry.type)] = FindListItem(list, ListText(entry.textId));
 }
 
 void CVQCConnectionPage::FillServerList() {
     const VQCFileInfo& record = *Record();
-    const HWND box = Handle(kServerBox);
+    const HWND box = Control(kServerBox);
     for (const std::string& host : ServerList(ReadRecentHosts(), record.host)) AddListItem(box, host.c_str());
     ShowText(box, record.host);
 }
 
 void CVQCConnectionPage::FillFromRecord() {
     const VQCFileInfo& record = *Record();
-    SelectListItem(Handle(kConnectionTypeList),
-                   connectionTypeIndex_[static_cast<std::size_t>(ConnectionTypeOf(record))]);
+    SelectListItem(Control(kConnectionTypeList),
+                   m_connectionTypeIndex[static_cast<std::size_t>(ConnectionTypeOf(record))]);
     FillServerList();
-    SelectListItem(Handle(kLoginTypeList), loginTypeIndex_[static_cast<std::size_t>(LoginTypeOf(record))]);
+    SelectListItem(Control(kLoginTypeList), m_loginTypeIndex[static_cast<std::size_t>(LoginTypeOf(record))]);
 
-    for (const TextEditField& edit : kTextEdits) ShowText(Handle(edit.controlId), record.*edit.field);
+    for (const TextEditField& edit : kTextEdits) ShowText(Control(edit.controlId), record.*edit.field);
     for (const CheckBoxField& box : kCheckBoxes)
-        SendMessageA(Handle(box.controlId), BM_SETCHECK, record.*box.flag ? BST_CHECKED : BST_UNCHECKED, 0);
+        SendMessageA(Control(box.controlId), BM_SETCHECK, record.*box.flag ? BST_CHECKED : BST_UNCHECKED, 0);
 
     const std::string port = ServicePortText(record.servicePort, record.encrypt != 0);
-    if (!port.empty()) ShowText(Handle(kServicePortEdit), port);
+    if (!port.empty()) ShowText(Control(kServicePortEdit), port);
 
     ApplyLayoutRule();
 }
@@ -111,7 +104,7 @@ void CVQCConnectionPage::FillFromRecord() {
 // ---- Commands ------------------------------------------------------------------------
 bool CVQCConnectionPage::OnCommand(int id, int code) {
     // Notifications caused by the page's own filling are no edits.
-    const bool edit = !filling_ && Record() != nullptr;
+    const bool edit = !m_filling && Record() != nullptr;
     switch (id) {
     case kConnectionTypeList:
         if (code != CBN_SELCHANGE) return false;
@@ -156,41 +149,41 @@ void CVQCConnectionPage::OnConnectionTypeChanged() {
     if (!record) return;
     StoreConnectionType(*record, SelectedConnectionType());
     RecordChanged(true);
-    ShowText(Handle(kDiscoveryLoginEdit), record->login);
-    ShowText(Handle(kLoginEdit), record->login);
+    ShowText(Control(kDiscoveryLoginEdit), record->login);
+    ShowText(Control(kLoginEdit), record->login);
 }
 
 void CVQCConnectionPage::OnLoginTypeChanged() {
     ApplyLoginTypeRule();
     VQCFileInfo* record = Record();
-    if (!record || ListSelection(Handle(kLoginTypeList)) == CB_ERR) return;
+    if (!record || ListSelection(Control(kLoginTypeList)) == CB_ERR) return;
     StoreLoginType(*record, SelectedLoginType().value_or(LoginType::AlwaysRequirePassword));
     RecordChanged(true);
 }
 
 void CVQCConnectionPage::OnServerSelected() {
-    const HWND box = Handle(kServerBox);
+    const HWND box = Control(kServerBox);
     Record()->host = ansi_text::Trimmed(ListItemText(box, ListSelection(box)));
     RecordChanged(true);
 }
 
 void CVQCConnectionPage::OnServerEdited() {
-    Record()->host = ansi_text::Trimmed(ControlText(Handle(kServerBox)));
+    Record()->host = ansi_text::Trimmed(ControlText(Control(kServerBox)));
     RecordChanged(true);
 }
 
 void CVQCConnectionPage::OnTextEdited(const TextEditField& edit) {
-    Record()->*edit.field = ansi_text::Trimmed(ControlText(Handle(edit.controlId)));
+    Record()->*edit.field = ansi_text::Trimmed(ControlText(Control(edit.controlId)));
     RecordChanged(true);
 }
 
 void CVQCConnectionPage::OnServicePortEdited() {
-    Record()->servicePort = ServicePortFromText(ControlText(Handle(kServicePortEdit)));
+    Record()->servicePort = ServicePortFromText(ControlText(Control(kServicePortEdit)));
     RecordChanged(true);
 }
 
 void CVQCConnectionPage::OnCheckBoxClicked(const CheckBoxField& box) {
-    const LRESULT state = SendMessageA(Handle(box.controlId), BM_GETCHECK, 0, 0);
+    const LRESULT state = SendMessageA(Control(box.controlId), BM_GETCHECK, 0, 0);
     Record()->*box.flag = state == BST_CHECKED ? 1 : 0;
     RecordChanged(box.setsModified);
 }
@@ -202,11 +195,11 @@ void CVQCConnectionPage::RecordChanged(bool setsModified) {
 
 // ---- Rules ---------------------------------------------------------------------------
 ConnectionType CVQCConnectionPage::SelectedConnectionType() const {
-    return ConnectionTypeAt(ListSelection(Handle(kConnectionTypeList)), connectionTypeIndex_);
+    return ConnectionTypeAt(ListSelection(Control(kConnectionTypeList)), m_connectionTypeIndex);
 }
 
 std::optional<LoginType> CVQCConnectionPage::SelectedLoginType() const {
-    return LoginTypeAt(ListSelection(Handle(kLoginTypeList)), loginTypeIndex_);
+    return LoginTypeAt(ListSelection(Control(kLoginTypeList)), m_loginTypeIndex);
 }
 
 void CVQCConnectionPage::ApplyLayoutRule() {
@@ -230,11 +223,11 @@ void CVQCConnectionPage::ApplyLoginTypeRule() {
     const LoginTypeRule rule = PlanLoginTypeRule(SelectedLoginType());
     for (const EnableStep& step : rule.enable) EnableWindow(Control(step.controlId), step.enabled ? TRUE : FALSE);
     if (rule.legacyCheck != LegacyProtocolCheck::Leave)
-        SendMessageA(Handle(kLegacyProtocolCheck), BM_SETCHECK,
+        SendMessageA(Control(kLegacyProtocolCheck), BM_SETCHECK,
                      rule.legacyCheck == LegacyProtocolCheck::Check ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 
 void CVQCConnectionPage::ShowText(HWND control, const std::string& text) {
-    const ScopedFlag filling(filling_);
+    const ScopedFlag filling(m_filling);
     SetWindowTextA(control, text.c_str());
 }

@@ -6,13 +6,12 @@
 
 #include <windows.h>
 
-#include <array>
 #include <cstdint>
 #include <optional>
 
 #include "pages/connection_page_rules.h"
 #include "pages/property_page.h"
-#include "pages/resize_layout.h"
+#include "ui/resize_layout.h"
 
 class CVQCConnectionPage final : public CVQCPropertyPageImpl<CVQCConnectionPage> {
 public:
@@ -25,9 +24,10 @@ public:
 
     static const ResizeMapEntry* ResizeMap() noexcept;
 
-    // The list position of each entry after the lists were filled; -1 when not added.
-    const connection_page::ConnectionTypeIndices& ConnectionTypeIndex() const noexcept { return connectionTypeIndex_; }
-    const connection_page::LoginTypeIndices& LoginTypeIndex() const noexcept { return loginTypeIndex_; }
+    // A test seam: the list position of each entry after the lists were filled; -1 when
+    // not added.
+    const connection_page::ConnectionTypeIndices& ConnectionTypeIndexForTesting() const noexcept { return m_connectionTypeIndex; }
+    const connection_page::LoginTypeIndices& LoginTypeIndexForTesting() const noexcept { return m_loginTypeIndex; }
 
 private:
     friend class CVQCPropertyPageImpl<CVQCConnectionPage>;
@@ -60,23 +60,9 @@ private:
     // A user's edit reached the record: mark it (unless told not to) and enable Apply.
     void RecordChanged(bool setsModified);
 
-    HWND Handle(int id) const noexcept;
-
-    // The controls the page works on, looked up once when the window is made.
-    static constexpr std::array<int, 13> kHandleIds = {
-        connection_page::kConnectionTypeList, connection_page::kServerBox,
-        connection_page::kLoginTypeList,      connection_page::kLoginEdit,
-        connection_page::kDiscoveryLoginEdit, connection_page::kCommandLineEdit,
-        connection_page::kStartDirectoryEdit, connection_page::kBookmarkEdit,
-        connection_page::kServiceNameEdit,    connection_page::kEncryptionCheck,
-        connection_page::kLegacyProtocolCheck, connection_page::kAnswerBackEdit,
-        connection_page::kServicePortEdit,
-    };
-    std::array<HWND, kHandleIds.size()> handles_{};
-
-    connection_page::ConnectionTypeIndices connectionTypeIndex_{-1, -1, -1};
-    connection_page::LoginTypeIndices loginTypeIndex_{-1, -1, -1, -1, -1, -1};
+    connection_page::ConnectionTypeIndices m_connectionTypeIndex{-1, -1, -1};
+    connection_page::LoginTypeIndices m_loginTypeIndex{-1, -1, -1, -1, -1, -1};
 
     // Set while the page itself writes into its controls.
-    bool filling_ = false;
+    bool m_filling = false;
 };

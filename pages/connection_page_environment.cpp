@@ -11,17 +11,17 @@ constexpr DWORD kHostNameBuffer = 256;
 std::vector<std::string> ReadRecentHosts() {
     std::vector<std::string> hosts;
     UniqueRegKey key;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, kRecentHostsKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS) return hosts;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, kRecentHostsKey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS) return hosts;
     // A failing index is skipped; the walk also ends past the number of subkeys the key
     // had when opened, so a key deleted under us cannot keep it failing forever.
     DWORD subkeys = 0;
-    if (RegQueryInfoKeyA(key.get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr,
+    if (RegQueryInfoKeyA(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr,
                          nullptr, nullptr, nullptr) != ERROR_SUCCESS)
         subkeys = 0;
     for (DWORD index = 0; index <= subkeys; ++index) {
         char name[kHostNameBuffer];
         DWORD length = kHostNameBuffer;
-        const LSTATUS status = RegEnumKeyExA(key.get(), index, name, &length, nullptr, nullptr, nullptr, nullptr);
+        const LSTATUS status = RegEnumKeyExA(key.Get(), index, name, &length, nullptr, nullptr, nullptr, nullptr);
         if (status == ERROR_NO_MORE_ITEMS) break;
         if (status == ERROR_SUCCESS) hosts.emplace_back(name, length);
     }

@@ -17,12 +17,12 @@ static_assert(option_page::kRegistryString == REG_SZ && option_page::kRegistryEx
 
 int ReadShellIconSize() noexcept {
     UniqueRegKey key;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, kWindowMetricsKey, 0, kReadWriteAccess, key.put()) != ERROR_SUCCESS)
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, kWindowMetricsKey, 0, kReadWriteAccess, key.Put()) != ERROR_SUCCESS)
         return option_page::kDefaultIconSize;
     std::uint8_t buffer[option_page::kIconSizeSettingBytes] = {};
     DWORD type = REG_NONE;
     DWORD size = sizeof(buffer);
     const bool read =
-        RegQueryValueExA(key.get(), kShellIconSizeValue, nullptr, &type, buffer, &size) == ERROR_SUCCESS;
+        RegQueryValueExA(key.Get(), kShellIconSizeValue, nullptr, &type, buffer, &size) == ERROR_SUCCESS;
     return option_page::IconSizeFromSetting(read, type, buffer, read ? size : 0);
 }

@@ -9,11 +9,11 @@
 #include "common/win_handles.h"
 #include "pages/icon_size_setting.h"
 #include "pages/message_format.h"
-#include "pages/open_file_dialog.h"
+#include "ui/open_file_dialog.h"
 #include "pages/option_page_rules.h"
 #include "pages/resize_maps.h"
 #include "resources/local_string_cache.h"
-#include "shellext/vqcprop_module.h"
+#include "runtime/module_runtime.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ constexpr std::size_t kPathBufferChars = 261;
 // The full path of this DLL's own file (the fallback icon source).
 std::string ModulePath() {
     char path[kPathBufferChars] = {};
-    const DWORD length = GetModuleFileNameA(TheModule().instance, path, static_cast<DWORD>(sizeof(path)));
+    const DWORD length = GetModuleFileNameA(TheModuleRuntime().Instance(), path, static_cast<DWORD>(sizeof(path)));
     return std::string(path, length < sizeof(path) ? length : 0);
 }
 
@@ -73,7 +73,7 @@ void CVQCOptionPage::OnInitDialog() {
                  option_page::DynamicSizingChecked(record->option_s) ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 
-bool CVQCOptionPage::OnCommand(int id, UINT code) {
+bool CVQCOptionPage::OnCommand(int id, int code) {
     switch (id) {
     case kBrowseButtonId:
         if (code == BN_CLICKED && Record()) OnBrowse();
@@ -120,7 +120,7 @@ void CVQCOptionPage::UpdateSourceLabel() {
 
 void CVQCOptionPage::FillIconList() {
     ClearIconList();
-    const auto count = reinterpret_cast<INT_PTR>(ExtractIconA(TheModule().instance, m_iconFile.c_str(), UINT(-1)));
+    const auto count = reinterpret_cast<INT_PTR>(ExtractIconA(TheModuleRuntime().Instance(), m_iconFile.c_str(), UINT(-1)));
     if (count <= 0) return;
     for (INT_PTR i = 0; i < count; ++i) {
         HICON large = nullptr;
@@ -129,7 +129,7 @@ void CVQCOptionPage::FillIconList() {
         if (!option_page::ExtractionSucceeded(extracted)) continue;
         UniqueIcon ownedLarge(large);
         const UniqueIcon ownedSmall(small);
-        if (option_page::IconIsListed(extracted, ownedSmall.get() != nullptr)) m_iconList.Add(std::move(ownedLarge));
+        if (option_page::IconIsListed(extracted, ownedSmall.Get() != nullptr)) m_iconList.Add(std::move(ownedLarge));
     }
 }
 
@@ -139,15 +139,15 @@ void CVQCOptionPage::SelectIcon(int index) {
     VQCFileInfo* record = Record();
     if (index < 0 || !record) return;
     const HICON listed = m_iconList.IconAt(index);
-    record->icon.reset();
-    record->icon.reset(listed ? CopyIcon(listed) : nullptr);
-    ShowIcon(m_largeIconView, record->icon.get());
+    record->icon.Reset();
+    record->icon.Reset(listed ? CopyIcon(listed) : nullptr);
+    ShowIcon(m_largeIconView, record->icon.Get());
 
     HICON small = nullptr;
     const UINT extracted = ExtractIconExA(m_iconFile.c_str(), index, nullptr, &small, 1);
     if (option_page::ExtractionSucceeded(extracted) && small) {
         const UniqueIcon extractedSmall(small);
-        record->smallIcon.reset(CopyIcon(extractedSmall.get()));
+        record->smallIcon.Reset(CopyIcon(extractedSmall.Get()));
     }
     ShowRecordIcons();
 }
@@ -155,8 +155,8 @@ void CVQCOptionPage::SelectIcon(int index) {
 void CVQCOptionPage::ShowRecordIcons() const noexcept {
     const VQCFileInfo* record = Record();
     if (!record) return;
-    ShowIcon(m_smallIconView, record->smallIcon.get());
-    ShowIcon(m_largeIconView, record->icon.get());
+    ShowIcon(m_smallIconView, record->smallIcon.Get());
+    ShowIcon(m_largeIconView, record->icon.Get());
 }
 
 // ---- Owner draw ---------------------------------------------------------------------

@@ -9,10 +9,10 @@
 #include <cstdint>
 #include <string>
 
-#include "pages/icon_list_box.h"
-#include "pages/owner_draw_router.h"
+#include "ui/icon_list_box.h"
+#include "ui/owner_draw_router.h"
 #include "pages/property_page.h"
-#include "pages/resize_layout.h"
+#include "ui/resize_layout.h"
 
 class CVQCOptionPage final : public CVQCPropertyPageImpl<CVQCOptionPage>,
                              public OwnerDrawRouter<CVQCOptionPage> {
@@ -43,9 +43,9 @@ public:
     void MeasureItem(MEASUREITEMSTRUCT* item);
     void DrawItem(DRAWITEMSTRUCT* item);
 
-    // What the page holds, for tests.
-    int IconSize() const noexcept { return m_iconSize; }
-    const std::string& IconFile() const noexcept { return m_iconFile; }
+    // Test seams: what the page holds.
+    int IconSizeForTesting() const noexcept { return m_iconSize; }
+    const std::string& IconFileForTesting() const noexcept { return m_iconFile; }
 
 private:
     friend class CVQCPropertyPageImpl<CVQCOptionPage>;
@@ -57,7 +57,7 @@ private:
     // The list goes with the page: its icons are given back and its handle forgotten.
     bool OnDestroy();
     // True when the command was one of the page's own.
-    bool OnCommand(int id, UINT code);
+    bool OnCommand(int id, int code);
     void OnBrowse();
 
     // The label above the list: the source file's bare name put into string 24.

@@ -50,12 +50,12 @@
 #include "common/same_window.h"
 #include "common/window_boundary.h"
 #include "connection/vqc_file_info.h"
-#include "pages/dialog_resizer.h"
-#include "pages/owner_draw_router.h"
+#include "ui/dialog_resizer.h"
+#include "ui/owner_draw_router.h"
 #include "pages/page_window.h"
-#include "pages/window_creation_list.h"
+#include "runtime/window_creation_list.h"
 #include "resources/dialog_template.h"
-#include "shellext/vqcprop_module.h"
+#include "runtime/module_runtime.h"
 
 // The page description as the shell's comctl32 reads it in full: 104 bytes on 64-bit
 // Windows. MinGW's PROPSHEETPAGEA ends before the header bitmap, so it is completed here.
@@ -78,26 +78,26 @@ public:
     // still waits for its window leaves the creation list; a window that outlives its
     // object answers nothing from then on.
     virtual ~CVQCPropertyPageImpl() {
-        TheModule().WindowCreation().Remove(creationEntry_);
-        if (window_) UnbindPageObject(window_);
+        TheModuleRuntime().WindowCreation().Remove(m_creationEntry);
+        if (m_window) UnbindPageObject(m_window);
     }
 
     // The description handed to CreatePropertySheetPageA: size 104, PSP_DLGINDIRECT |
     // PSP_USECALLBACK | PSP_USEREFPARENT (plus PSP_USETITLE with a title), the module's
     // instance, this page's template, the start-up procedure, the page callback, the page
     // object as lParam, and the module's lock count as reference parent.
-    const PROPSHEETPAGEA& Description() const noexcept { return description_.page; }
+    const PROPSHEETPAGEA& Description() const noexcept { return m_description.page; }
 
     // The sheet's handle for this page; null when comctl32 refuses it. From the first
     // successful call the sheet's release callback owns the object.
-    HPROPSHEETPAGE CreatePage() noexcept { return CreatePropertySheetPageA(&description_.page); }
+    HPROPSHEETPAGE CreatePage() noexcept { return CreatePropertySheetPageA(&m_description.page); }
 
     // The page window; null until the sheet creates it and after it is destroyed.
-    HWND Window() const noexcept { return window_; }
+    HWND Window() const noexcept { return m_window; }
     // The shared record of the file; null for a page made without one.
-    VQCFileInfo* Record() const noexcept { return record_.Get(); }
-    // The page's in-memory dialog template.
-    const DLGTEMPLATE* Template() const noexcept { return template_.get(); }
+    VQCFileInfo* Record() const noexcept { return m_record.Get(); }
+    // A test seam: the page's in-memory dialog template.
+    const DLGTEMPLATE* TemplateForTesting() const noexcept { return m_template.Get(); }
 
     // The page object bound to a page window of this class, or null.
     static T* FromWindow(HWND window) noexcept { return static_cast<T*>(BoundPageObject(window)); }
@@ -107,7 +107,7 @@ public:
     bool ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
         T* self = static_cast<T*>(this);
         if (self->OnPageMessage(message, wParam, lParam, result)) return true;
-        if (resizer_.ProcessWindowMessage(window, message, wParam, lParam, result)) return true;
+        if (m_resizer.ProcessWindowMessage(window, message, wParam, lParam, result)) return true;
         if constexpr (std::is_base_of_v<OwnerDrawRouter<T>, T>) {
             if (self->RouteOwnerDraw(message, wParam, lParam, result)) return true;
         }
@@ -125,9 +125,9 @@ public:
                 T* page = reinterpret_cast<T*>(description->lParam);
                 switch (message) {
                 case PSPCB_CREATE: {
-                    WindowCreationList& waiting = TheModule().WindowCreation();
+                    WindowCreationList& waiting = TheModuleRuntime().WindowCreation();
                     if (!page || !waiting.Initialized()) return FALSE;
-                    waiting.Add(static_cast<CVQCPropertyPageImpl*>(page)->creationEntry_, page);
+                    waiting.Add(static_cast<CVQCPropertyPageImpl*>(page)->m_creationEntry, page);
                     return TRUE;
                 }
                 case PSPCB_RELEASE:
@@ -143,7 +143,7 @@ public:
     // The dialog procedure of the description: binds the object waiting for this thread
     // to the new window on its first message, then gives way to PageDialogProc.
     static INT_PTR CALLBACK StartDialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-        auto* page = static_cast<T*>(TheModule().WindowCreation().Take());
+        auto* page = static_cast<T*>(TheModuleRuntime().WindowCreation().Take());
         if (!page) return FALSE;
         static_cast<CVQCPropertyPageImpl*>(page)->Bind(window);
         return PageDialogProc(window, message, wParam, lParam);
@@ -170,33 +170,29 @@ protected:
     // template (1 Connection, 2 Proxy, 3 Options); title is the tab's 8-bit text or null
     // for none. Throws std::bad_alloc when no template can be had.
     CVQCPropertyPageImpl(VQCFileInfo* record, int templateIndex, const char* title)
-        : record_(record), template_(AllocDialogTemplate(templateIndex, 0)) {
-        if (!template_) throw std::bad_alloc();
-        PROPSHEETPAGEA& page = description_.page;
-        page.dwSize = sizeof(description_);
+        : m_record(record), m_template(AllocDialogTemplate(templateIndex, 0)) {
+        if (!m_template) throw std::bad_alloc();
+        PROPSHEETPAGEA& page = m_description.page;
+        page.dwSize = sizeof(m_description);
         page.dwFlags = PSP_DLGINDIRECT | PSP_USECALLBACK;
         if (title) {
             page.dwFlags |= PSP_USETITLE;
             page.pszTitle = title;
         }
         page.dwFlags |= PSP_USEREFPARENT;
-        page.hInstance = TheModule().instance;
-        page.pResource = template_.get();
+        page.hInstance = TheModuleRuntime().Instance();
+        page.pResource = m_template.Get();
         page.pfnDlgProc = StartDialogProc;
         page.pfnCallback = PageCallback;
         page.lParam = reinterpret_cast<LPARAM>(static_cast<T*>(this));
-        page.pcRefParent = TheModule().LockCountAddress();
+        page.pcRefParent = TheModuleRuntime().LockCountAddress();
     }
 
-    // Starts the resize layout by T's map; first thing in the page's WM_INITDIALOG. The
-    // pages pass nothing: no size grip, no minimum tracking size, no forced style.
-    void DlgResize_Init(bool addGripper = false, bool useMinTrackSize = false, DWORD forceStyle = 0) {
-        resizer_.Init(window_, T::ResizeMap(), addGripper, useMinTrackSize, forceStyle);
-    }
-    const DialogResizer& Resizer() const noexcept { return resizer_; }
+    // Starts the resize layout by T's map; first thing in the page's WM_INITDIALOG.
+    void DlgResize_Init() { m_resizer.Init(m_window, T::ResizeMap()); }
 
     // A control of the page by id.
-    HWND Control(int id) const noexcept { return GetDlgItem(window_, id); }
+    HWND Control(int id) const noexcept { return GetDlgItem(m_window, id); }
 
     // A control's whole text.
     static std::string ControlText(HWND control) {
@@ -207,11 +203,8 @@ protected:
         return text;
     }
 
-    // Removes white space from both ends, in place.
-    static void Trim(std::string& text) { ansi_text::Trim(text); }
-
     // Tells the sheet that this page changed something (enables Apply).
-    void SendChanged() const noexcept { SendMessageA(GetParent(window_), PSM_CHANGED, WPARAM(window_), 0); }
+    void SendChanged() const noexcept { SendMessageA(GetParent(m_window), PSM_CHANGED, WPARAM(m_window), 0); }
 
     // The page's own entries of the chain, for a page that names no OnPageMessage of its own.
     bool OnPageMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
@@ -245,7 +238,7 @@ protected:
     // codes are answered 0 with nothing done; any other code is not answered.
     bool OnSheetNotification(const NMHDR& header, LRESULT& result) {
         const bool fromPageOrSheet =
-            SameWindow(header.hwndFrom, window_) || SameWindow(header.hwndFrom, GetParent(window_));
+            SameWindow(header.hwndFrom, m_window) || SameWindow(header.hwndFrom, GetParent(m_window));
         if (!fromPageOrSheet) return false;
         switch (header.code) {
         case PSN_APPLY:
@@ -272,27 +265,27 @@ private:
     // Writes the record whether or not anything changed; each page of a sheet does, so
     // one Apply writes the same bytes once per created page.
     LRESULT ApplyRecord() {
-        if (!record_) return PSNRET_INVALID_NOCHANGEPAGE;
-        if (record_->Write(record_->filePath.c_str()) != 0) return PSNRET_INVALID_NOCHANGEPAGE;
-        SendMessageA(GetParent(window_), PSM_UNCHANGED, WPARAM(window_), 0);
+        if (!m_record) return PSNRET_INVALID_NOCHANGEPAGE;
+        if (m_record->Write(m_record->filePath.c_str()) != 0) return PSNRET_INVALID_NOCHANGEPAGE;
+        SendMessageA(GetParent(m_window), PSM_UNCHANGED, WPARAM(m_window), 0);
         return PSNRET_NOERROR;
     }
 
     void Bind(HWND window) noexcept {
-        window_ = window;
+        m_window = window;
         BindPageObject(window, static_cast<T*>(this));
         SetWindowLongPtrA(window, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(&PageDialogProc));
     }
 
     void Unbind() noexcept {
-        UnbindPageObject(window_);
-        window_ = nullptr;
+        UnbindPageObject(m_window);
+        m_window = nullptr;
     }
 
-    ComPtr<VQCFileInfo> record_;
-    UniqueDialogTemplate template_;
-    PropertySheetPageDescription description_{};
-    DialogResizer resizer_;
-    WindowCreationList::Entry creationEntry_;
-    HWND window_ = nullptr;
+    ComPtr<VQCFileInfo> m_record;
+    UniqueDialogTemplate m_template;
+    PropertySheetPageDescription m_description{};
+    DialogResizer m_resizer;
+    WindowCreationList::Entry m_creationEntry;
+    HWND m_window = nullptr;
 };

@@ -8,7 +8,7 @@
 
 #include "pages/property_page.h"
 #include "pages/proxy_page_rules.h"
-#include "pages/resize_layout.h"
+#include "ui/resize_layout.h"
 
 class CVQCProxyPage final : public CVQCPropertyPageImpl<CVQCProxyPage> {
 public:
@@ -27,20 +27,20 @@ private:
     void OnInitDialog();
     // True when the command is one of the page's own; the record changes only with a
     // record and only for what the user does, not while the page fills its controls.
-    bool OnCommand(int controlId, int code);
+    bool OnCommand(int id, int code);
     void FillRouteList();
     // Shows the group of the selected route and hides the other.
-    void ApplyLayout();
+    void ApplyLayoutRule();
 
-    HWND routeList_ = nullptr;
-    HWND proxyHostEdit_ = nullptr;
-    HWND proxyUserEdit_ = nullptr;
-    HWND proxyPortEdit_ = nullptr;
-    HWND brokerHostEdit_ = nullptr;
-    HWND brokerPortEdit_ = nullptr;
-    HWND dialUpCheckBox_ = nullptr;
-    RouteListIndices routeIndices_;
+    HWND m_routeList = nullptr;
+    HWND m_proxyHostEdit = nullptr;
+    HWND m_proxyUserEdit = nullptr;
+    HWND m_proxyPortEdit = nullptr;
+    HWND m_brokerHostEdit = nullptr;
+    HWND m_brokerPortEdit = nullptr;
+    HWND m_dialUpCheckBox = nullptr;
+    RouteListIndices m_routeIndices;
     // Set while WM_INITDIALOG puts the record's values into the edits: the edit-change
     // notifications that setting a text sends are not the user's edits.
-    bool filling_ = false;
+    bool m_filling = false;
 };

@@ -2,7 +2,7 @@
 // Options page, its height). Labels and the Connection page's check boxes are in no map.
 #pragma once
 
-#include "pages/resize_layout.h"
+#include "ui/resize_layout.h"
 
 extern const ResizeMapEntry kConnectionPageResizeMap[];
 extern const ResizeMapEntry kProxyPageResizeMap[];

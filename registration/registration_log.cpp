@@ -108,7 +108,7 @@ void RegistrationLog::Flush() noexcept {
                                                   CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file) return;
         DWORD written = 0;
-        WriteFile(file.get(), contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr);
+        WriteFile(file.Get(), contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr);
     } catch (...) {
         // A log that cannot be written loses its messages silently.
     }

@@ -27,7 +27,7 @@ bool GetModulePaths(HMODULE module, std::string& path, std::string& fileName) {
 
 LONG WriteRegistryRows(HKEY root, const std::vector<RegistryRow>& rows, RegistrationLog& log) {
     std::map<int, UniqueRegKey> keys;
-    auto keyOfRow = [&](int number) { return number == 0 ? root : keys[number].get(); };
+    auto keyOfRow = [&](int number) { return number == 0 ? root : keys[number].Get(); };
     for (const RegistryRow& row : rows) {
         HKEY target = keyOfRow(row.below);
         if (row.createsKey) {
@@ -39,7 +39,7 @@ LONG WriteRegistryRows(HKEY root, const std::vector<RegistryRow>& rows, Registra
                 if (log.IsEnabled()) log.LogKeyCreateFailure(target, row.keyName.c_str(), lastError);
                 return result;
             }
-            keys[row.number].reset(created);
+            keys[row.number].Reset(created);
             target = created;
         }
         if (row.hasValue) {
@@ -104,10 +104,10 @@ HRESULT UnregisterServerEntries(HMODULE module) {
         HKEY parent = HKEY_CLASSES_ROOT;
         if (row.below) {
             UniqueRegKey& opened = std::string_view(row.below) == "AppID" ? appIds : classIds;
-            if (!opened && RegOpenKeyExA(HKEY_CLASSES_ROOT, row.below, 0, kKeyAccess, opened.put()) != ERROR_SUCCESS) {
+            if (!opened && RegOpenKeyExA(HKEY_CLASSES_ROOT, row.below, 0, kKeyAccess, opened.Put()) != ERROR_SUCCESS) {
                 continue;
             }
-            parent = opened.get();
+            parent = opened.Get();
         }
         if (row.keyName) {
             DeleteKeyTree(parent, row.keyName);
@@ -128,11 +128,11 @@ LONG DeleteKeyTree(HKEY parent, const char* name) {
     char subkey[256];
     for (;;) {
         DWORD length = sizeof(subkey);
-        if (RegEnumKeyExA(key.get(), 0, subkey, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-        result = DeleteKeyTree(key.get(), subkey);
+        if (RegEnumKeyExA(key.Get(), 0, subkey, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+        result = DeleteKeyTree(key.Get(), subkey);
         if (result != ERROR_SUCCESS) return result;
     }
-    key.reset();
+    key.Reset();
 
     if (RegDeleteKeyExAFunction deleteKeyEx = FindRegDeleteKeyExA()) return deleteKeyEx(parent, name, 0, 0);
     return RegDeleteKeyA(parent, name);

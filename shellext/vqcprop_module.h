@@ -1,14 +1,16 @@
 // VqcPropModule: the DLL's module object. It owns the lock count that decides when the
 // shell may unload the DLL, the one-entry object map with its cached class factory, the
 // per-class registration loops that run after the server's own registry entries, and the
-// list of property page windows being created.
+// list of property page windows being created; the pages reach the instance, the lock
+// count and that list through the ModuleRuntime it is.
 #pragma once
 
 #include <windows.h>
 #include <unknwn.h>
 
 #include "common/win_handles.h"
-#include "pages/window_creation_list.h"
+#include "runtime/module_runtime.h"
+#include "runtime/window_creation_list.h"
 
 // One row of the object map: how the class is found, created and registered.
 struct ObjectMapEntry {
@@ -22,22 +24,20 @@ struct ObjectMapEntry {
     void (*objectMain)(bool starting);
 };
 
-class VqcPropModule {
+class VqcPropModule final : public ModuleRuntime {
 public:
     // Start-up. A critical section that cannot be initialised does not stop loading; it
     // leaves the module "not initialised", and every class request then answers
     // E_UNEXPECTED. The initializer is a parameter so that this path can be exercised.
     explicit VqcPropModule(OwnedCriticalSection::Initializer initialize = InitializeCriticalSectionEx);
-    virtual ~VqcPropModule();
-    VqcPropModule(const VqcPropModule&) = delete;
-    VqcPropModule& operator=(const VqcPropModule&) = delete;
+    ~VqcPropModule() override;
 
     virtual LONG Lock() noexcept;
     virtual LONG Unlock() noexcept;
     virtual LONG GetLockCount() const noexcept;
     // The lock count itself, which every property page names as its reference parent:
     // the sheet counts the pages it holds in it.
-    UINT* LockCountAddress() noexcept { return reinterpret_cast<UINT*>(const_cast<LONG*>(&lockCount_)); }
+    UINT* LockCountAddress() noexcept override { return reinterpret_cast<UINT*>(const_cast<LONG*>(&lockCount_)); }
 
     // DllCanUnloadNow and DllGetClassObject.
     HRESULT CanUnloadNow() const noexcept;
@@ -56,8 +56,9 @@ public:
     HINSTANCE instance;
     GUID libraryId;
 
+    HINSTANCE Instance() const noexcept override { return instance; }
     // Page objects waiting for their windows, under the window-creation critical section.
-    WindowCreationList& WindowCreation() noexcept { return windowCreation_; }
+    WindowCreationList& WindowCreation() noexcept override { return windowCreation_; }
 
 private:
     void ReleaseCachedFactories() noexcept;

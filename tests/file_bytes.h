@@ -14,10 +14,10 @@ inline std::string ReadFileBytes(const std::string& path) {
                                               FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return "<missing>";
-    std::string content(GetFileSize(file.get(), nullptr), '\0');
+    std::string content(GetFileSize(file.Get(), nullptr), '\0');
     DWORD read = 0;
     if (!content.empty())
-        ReadFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
+        ReadFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
     content.resize(read);
     return content;
 }
@@ -28,7 +28,7 @@ inline void WriteFileBytes(const std::string& path, const std::string& content) 
                                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return;
     DWORD written = 0;
-    WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+    WriteFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
 }
 
 // Whether nobody else holds the file open: it opens with share mode 0.

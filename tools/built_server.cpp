@@ -37,7 +37,7 @@ LoadedDll::LoadedDll(const std::string& path) : module_(LoadLibraryA(path.c_str(
 
 GetClassObjectFunction LoadedDll::GetClassObject() const {
     return reinterpret_cast<GetClassObjectFunction>(
-        reinterpret_cast<void*>(GetProcAddress(module_.get(), "DllGetClassObject")));
+        reinterpret_cast<void*>(GetProcAddress(module_.Get(), "DllGetClassObject")));
 }
 
 ExtensionServer::ExtensionServer(const std::string& dllPath) : dll_(dllPath) {

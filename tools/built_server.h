@@ -34,7 +34,7 @@ using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**
 class LoadedDll {
 public:
     explicit LoadedDll(const std::string& path);
-    HMODULE module() const { return module_.get(); }
+    HMODULE module() const { return module_.Get(); }
     GetClassObjectFunction GetClassObject() const;
 
 private:

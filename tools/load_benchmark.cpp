@@ -33,7 +33,7 @@ bool LoadCycle(const ServerDll& server) {
     const UniqueModule module(LoadLibraryA(server.path.c_str()));
     if (!module) return false;
     const auto getClassObject = reinterpret_cast<benchmark_server::GetClassObjectFunction>(
-        reinterpret_cast<void*>(GetProcAddress(module.get(), "DllGetClassObject")));
+        reinterpret_cast<void*>(GetProcAddress(module.Get(), "DllGetClassObject")));
     if (!getClassObject) return false;
     ComPtr<IClassFactory> factory;
     return SUCCEEDED(getClassObject(server.classId, IID_IClassFactory, factory.PutVoid()));
@@ -44,7 +44,7 @@ std::vector<UniqueModule> LoadImportsOf(const std::string& path) {
     std::vector<UniqueModule> kept;
     const UniqueModule module(LoadLibraryA(path.c_str()));
     if (!module) return kept;
-    const auto* base = reinterpret_cast<const BYTE*>(module.get());
+    const auto* base = reinterpret_cast<const BYTE*>(module.Get());
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const IMAGE_DATA_DIRECTORY& imports = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -60,7 +60,7 @@ std::vector<UniqueModule> LoadImportsOf(const std::string& path) {
 std::string SystemDllPath(const char* name) {
     const UniqueModule module(LoadLibraryA(name));
     char path[MAX_PATH] = {};
-    if (module) GetModuleFileNameA(module.get(), path, MAX_PATH);
+    if (module) GetModuleFileNameA(module.Get(), path, MAX_PATH);
     return path;
 }
 

@@ -98,7 +98,7 @@ bool FloorCycle(const FloorPages& floor) {
         page.dwSize = sizeof(page);
         page.dwFlags = PSP_DLGINDIRECT | PSP_USETITLE;
         page.hInstance = GetModuleHandleA(nullptr);
-        page.pResource = floor.templates[i].get();
+        page.pResource = floor.templates[i].Get();
         page.pszTitle = floor.titles[i];
         page.pfnDlgProc = EmptyPage;
         const HPROPSHEETPAGE handle = CreatePropertySheetPageA(&page);

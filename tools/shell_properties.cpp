@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/shell_properties_road.h"
+#include "tests/support/shell_properties_road.h"
 #include "tools/window_capture.h"
 
 namespace {

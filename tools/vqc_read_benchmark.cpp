@@ -65,7 +65,7 @@ void WriteWholeFile(const std::string& path, const std::string& content) {
     const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                               FILE_ATTRIBUTE_NORMAL, nullptr));
     DWORD written = 0;
-    WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+    WriteFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
 }
 
 struct Images {
@@ -96,18 +96,18 @@ double FloorOnce(const std::string& path, const Images& images) {
         {
             const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-            const UniqueKernelHandle mapping(CreateFileMappingA(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-            const DWORD size = GetFileSize(file.get(), nullptr);
-            const UniqueMappedView view(MapViewOfFileEx(mapping.get(), FILE_MAP_READ, 0, 0, 0, nullptr));
+            const UniqueKernelHandle mapping(CreateFileMappingA(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+            const DWORD size = GetFileSize(file.Get(), nullptr);
+            const UniqueMappedView view(MapViewOfFileEx(mapping.Get(), FILE_MAP_READ, 0, 0, 0, nullptr));
             text.reserve(std::strlen(program) + 1 + size);
-            text.append(program).append(1, ' ').append(static_cast<const char*>(view.get()), size);
+            text.append(program).append(1, ' ').append(static_cast<const char*>(view.Get()), size);
         }
         const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
         std::vector<wchar_t> wide(static_cast<std::size_t>(wideLength));
         MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), wideLength);
         int argc = 0;
         const UniqueLocalMemory args(reinterpret_cast<HLOCAL>(CommandLineToArgvW(wide.data(), &argc)));
-        wchar_t** argv = static_cast<wchar_t**>(args.get());
+        wchar_t** argv = static_cast<wchar_t**>(args.Get());
         std::size_t total = 0;
         for (int i = 0; i < argc; ++i)
             total += WideCharToMultiByte(CP_ACP, 0, argv[i], -1, nullptr, 0, nullptr, nullptr);
@@ -158,9 +158,9 @@ void Breakdown(const std::string& path, int iterations) {
     {
         const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        text.resize(GetFileSize(file.get(), nullptr));
+        text.resize(GetFileSize(file.Get(), nullptr));
         DWORD read = 0;
-        ReadFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &read, nullptr);
+        ReadFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &read, nullptr);
     }
     std::vector<double> split, walk, prepare;
     for (int i = 0; i < iterations; ++i) {

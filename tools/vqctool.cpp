@@ -84,8 +84,8 @@ void PrintRecord(const VQCFileInfo& r) {
     PrintNumber("route", r.route);
     PrintText("filePath", r.filePath);
     PrintNumber("refCount", r.refCount);
-    std::printf("icon=%s\n", IconText(r.icon.get()).c_str());
-    std::printf("smallIcon=%s\n", IconText(r.smallIcon.get()).c_str());
+    std::printf("icon=%s\n", IconText(r.icon.Get()).c_str());
+    std::printf("smallIcon=%s\n", IconText(r.smallIcon.Get()).c_str());
 }
 
 // "vqctool: <what> FILE: <Windows' text for the error>" on stderr.

@@ -15,7 +15,7 @@ public:
     ~WholeWindowDC() { if (dc_) ReleaseDC(window_, dc_); }
     WholeWindowDC(const WholeWindowDC&) = delete;
     WholeWindowDC& operator=(const WholeWindowDC&) = delete;
-    HDC get() const noexcept { return dc_; }
+    HDC Get() const noexcept { return dc_; }
 
 private:
     HWND window_;
@@ -37,8 +37,8 @@ bool SaveWindowBitmap(HWND window, const std::string& path) {
     if (width <= 0 || height <= 0) return false;
 
     const WholeWindowDC source(window);
-    if (!source.get()) return false;
-    const UniqueMemoryDC memory(CreateCompatibleDC(source.get()));
+    if (!source.Get()) return false;
+    const UniqueMemoryDC memory(CreateCompatibleDC(source.Get()));
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
     info.bmiHeader.biWidth = width;
@@ -47,11 +47,11 @@ bool SaveWindowBitmap(HWND window, const std::string& path) {
     info.bmiHeader.biBitCount = 24;
     info.bmiHeader.biCompression = BI_RGB;
     void* bits = nullptr;
-    const UniqueGdiObject bitmap(CreateDIBSection(memory.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    const UniqueGdiObject bitmap(CreateDIBSection(memory.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!memory || !bitmap || !bits) return false;
     {
-        const SelectedObject selected(memory.get(), bitmap.get());
-        if (!BitBlt(memory.get(), 0, 0, width, height, source.get(), 0, 0, SRCCOPY)) return false;
+        const SelectedObject selected(memory.Get(), bitmap.Get());
+        if (!BitBlt(memory.Get(), 0, 0, width, height, source.Get(), 0, 0, SRCCOPY)) return false;
     }
     GdiFlush();
 
@@ -65,9 +65,9 @@ bool SaveWindowBitmap(HWND window, const std::string& path) {
 
     const UniqueKernelHandle file(
         CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    return file && WriteAll(file.get(), &header, sizeof(header)) &&
-           WriteAll(file.get(), &info.bmiHeader, sizeof(info.bmiHeader)) &&
-           WriteAll(file.get(), bits, pixelBytes);
+    return file && WriteAll(file.Get(), &header, sizeof(header)) &&
+           WriteAll(file.Get(), &info.bmiHeader, sizeof(info.bmiHeader)) &&
+           WriteAll(file.Get(), bits, pixelBytes);
 }
 
 }  // namespace window_capture

@@ -65,22 +65,22 @@ ProbeRun RunArgvProbeFromFolder(const std::string& folderName, const std::string
 
     SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
     UniqueKernelHandle readEnd, writeEnd;
-    CreatePipe(readEnd.put(), writeEnd.put(), &inherit, 0);
-    SetHandleInformation(readEnd.get(), HANDLE_FLAG_INHERIT, 0);
+    CreatePipe(readEnd.Put(), writeEnd.Put(), &inherit, 0);
+    SetHandleInformation(readEnd.Get(), HANDLE_FLAG_INHERIT, 0);
 
     SetEnvironmentVariableA("VQC_PROBE_TEXT", optionText.c_str());
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = writeEnd.get();
-    startup.hStdError = writeEnd.get();
+    startup.hStdOutput = writeEnd.Get();
+    startup.hStdError = writeEnd.Get();
     startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     PROCESS_INFORMATION process{};
     std::string commandLine = "\"" + probe + "\"";
     const BOOL started = CreateProcessA(probe.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
                                         0, nullptr, run.folder.c_str(), &startup, &process);
     SetEnvironmentVariableA("VQC_PROBE_TEXT", nullptr);
-    writeEnd.reset();
+    writeEnd.Reset();
     if (!started) {
         run.output = "cannot start the probe, error " + std::to_string(GetLastError());
         return run;
@@ -89,10 +89,10 @@ ProbeRun RunArgvProbeFromFolder(const std::string& folderName, const std::string
 
     char buffer[4096];
     DWORD got = 0;
-    while (ReadFile(readEnd.get(), buffer, sizeof(buffer), &got, nullptr) && got > 0)
+    while (ReadFile(readEnd.Get(), buffer, sizeof(buffer), &got, nullptr) && got > 0)
         run.output.append(buffer, got);
-    WaitForSingleObject(processHandle.get(), 30000);
-    GetExitCodeProcess(processHandle.get(), &run.exitCode);
+    WaitForSingleObject(processHandle.Get(), 30000);
+    GetExitCodeProcess(processHandle.Get(), &run.exitCode);
 
     std::istringstream lines(run.output);
     for (std::string line; std::getline(lines, line);) {
@@ -123,7 +123,7 @@ void RestoreRegistryRoots() {
 
 bool KeyExists(HKEY root, const std::string& path) {
     UniqueRegKey key;
-    return RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS;
+    return RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, key.Put()) == ERROR_SUCCESS;
 }
 
 bool SandboxKeyExists(const std::string& pathBelowSandbox) {
@@ -142,7 +142,7 @@ void SandboxTest::WriteProbeThroughEveryRoot(const std::string& name) {
     for (std::size_t i = 0; i < std::size(roots); ++i) {
         UniqueRegKey key;
         EXPECT_EQ(RegCreateKeyExA(roots[i], name.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
-                                  key.put(), nullptr),
+                                  key.Put(), nullptr),
                   ERROR_SUCCESS)
             << kRootsThatHoldKeys[i];
     }
@@ -157,7 +157,7 @@ std::int32_t RegistrationCallbackTest::Callback(RegistrationState* state, void* 
         UniqueRegKey key;
         test->probeWriteResult =
             RegCreateKeyExA(HKEY_CLASSES_ROOT, test->sandboxProbeKey.c_str(), 0, nullptr, 0,
-                            KEY_WRITE, nullptr, key.put(), nullptr);
+                            KEY_WRITE, nullptr, key.Put(), nullptr);
         test->written_.push_back("HKEY_CLASSES_ROOT\\" + test->sandboxProbeKey);
     }
     return 42;

@@ -105,7 +105,7 @@ TEST(ArgumentVector, OneBlockHoldsArgcPlusTwoSlotsThenTheStrings) {
     EXPECT_EQ(argv[argc], nullptr);
     EXPECT_EQ(argv[argc + 1], nullptr);
     const char* blockStart = reinterpret_cast<const char*>(argv);
-    const char* blockEnd = blockStart + LocalSize(block.get());
+    const char* blockEnd = blockStart + LocalSize(block.Get());
     EXPECT_EQ(argv[0], blockStart + (argc + 2) * sizeof(char*));
     for (int i = 1; i < argc; ++i) {
         EXPECT_EQ(argv[i], argv[i - 1] + std::strlen(argv[i - 1]) + 1) << i;

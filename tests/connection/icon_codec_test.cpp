@@ -46,7 +46,7 @@ class IconDepth : public ::testing::TestWithParam<int> {};
 TEST_P(IconDepth, RoundTripKeepsPixelsAndMask) {
     const UniqueIcon original(MakeTestIcon(32, static_cast<std::uint16_t>(GetParam())));
     ASSERT_TRUE(original);
-    const std::string text = Encode(original.get(), nullptr);
+    const std::string text = Encode(original.Get(), nullptr);
     ASSERT_FALSE(text.empty());
 
     HICON decoded = kUnset;
@@ -56,8 +56,8 @@ TEST_P(IconDepth, RoundTripKeepsPixelsAndMask) {
     EXPECT_EQ(decodedSmall, nullptr);
     ASSERT_TRUE(icon);
 
-    const Pixels before = PixelsOf(original.get());
-    const Pixels after = PixelsOf(icon.get());
+    const Pixels before = PixelsOf(original.Get());
+    const Pixels after = PixelsOf(icon.Get());
     EXPECT_EQ(after.size.cx, 32);
     EXPECT_EQ(after.size.cy, 32);
     EXPECT_EQ(after.colour, before.colour);
@@ -73,7 +73,7 @@ TEST(IconCodec, EncodedStreamIsTheIconFileOfTheColourBitmapAtItsOwnDepth) {
     // the encoder finds and writes.
     const UniqueIcon icon(MakeTestIcon(32, 32));
     std::uint64_t size = 0;
-    const std::string text = Encode(icon.get(), nullptr, &size);
+    const std::string text = Encode(icon.Get(), nullptr, &size);
     const std::uint64_t bytes = 6 + 16 + 40 + 32 * (128 + 4);
     EXPECT_EQ(bytes, 4286u);
     EXPECT_EQ(size, 2 * bytes + 2 * (bytes / 32) + 1);
@@ -88,7 +88,7 @@ TEST(IconCodec, EncodedStreamIsTheIconFileOfTheColourBitmapAtItsOwnDepth) {
 
 TEST(IconCodec, LineBreakStandsBeforeEveryByteWhoseIndexModulo32Is31) {
     const UniqueIcon icon(MakeTestIcon(16, 32));
-    const std::string text = Encode(icon.get(), nullptr);
+    const std::string text = Encode(icon.Get(), nullptr);
     ASSERT_GT(text.size(), 200u);
     EXPECT_EQ(text.substr(62, 2), "\r\n");
     EXPECT_EQ(text.find("\r\n"), 62u);
@@ -101,7 +101,7 @@ TEST(IconCodec, LineBreakStandsBeforeEveryByteWhoseIndexModulo32Is31) {
 TEST(IconCodec, TwoImagesWhenSmallIconIsPresent) {
     const UniqueIcon icon(MakeTestIcon(32, 8));
     const UniqueIcon small(MakeTestIcon(16, 8, 2));
-    const std::string text = WithoutLineBreaks(Encode(icon.get(), small.get()));
+    const std::string text = WithoutLineBreaks(Encode(icon.Get(), small.Get()));
     EXPECT_EQ(text.substr(0, 12), "000001000200");
     EXPECT_EQ(text.substr(12, 8), "20200000");  // 32 x 32 first
     EXPECT_EQ(text.substr(44, 8), "10100000");  // 16 x 16 second
@@ -113,7 +113,7 @@ TEST(IconCodec, EncodingWithoutIconGivesNothing) {
     const UniqueIcon small(MakeTestIcon(16, 8));
     char buffer[4] = {'x', 'x', 'x', 'x'};
     char* cursor = buffer;
-    EXPECT_EQ(EncodeIcons(&cursor, nullptr, small.get()), 0u);
+    EXPECT_EQ(EncodeIcons(&cursor, nullptr, small.Get()), 0u);
     EXPECT_EQ(cursor, buffer);
     EXPECT_EQ(buffer[0], 'x');
 }
@@ -132,7 +132,7 @@ TEST(IconCodec, DecodedIconKeepsItsOwnSizeAndSmallIconTakesSystemSize) {
 
 TEST(IconCodec, DecoderAcceptsTextWithoutLineBreaksAndWithQuotes) {
     const UniqueIcon original(MakeTestIcon(32, 4));
-    const std::string text = Encode(original.get(), nullptr);
+    const std::string text = Encode(original.Get(), nullptr);
     for (const std::string& variant :
          {text, WithoutLineBreaks(text), "\"" + text + "\"", "\"" + WithoutLineBreaks(text) + "\""}) {
         HICON icon = kUnset, small = kUnset;
@@ -140,7 +140,7 @@ TEST(IconCodec, DecoderAcceptsTextWithoutLineBreaksAndWithQuotes) {
         const UniqueIcon owned(icon);
         EXPECT_TRUE(owned);
         EXPECT_EQ(small, nullptr);
-        EXPECT_EQ(PixelsOf(icon).colour, PixelsOf(original.get()).colour);
+        EXPECT_EQ(PixelsOf(icon).colour, PixelsOf(original.Get()).colour);
     }
 }
 
@@ -277,7 +277,7 @@ TEST(IconCodec, BlackAndWhiteIconHasNoColourBitmapAndAMaskTwiceAsHigh) {
     ASSERT_TRUE(icon);
     ICONINFO info{};
     info.hbmColor = reinterpret_cast<HBITMAP>(static_cast<std::uintptr_t>(0xdeadbeef));
-    ASSERT_TRUE(GetIconInfo(icon.get(), &info));
+    ASSERT_TRUE(GetIconInfo(icon.Get(), &info));
     const UniqueGdiObject colour(info.hbmColor);
     const UniqueGdiObject mask(info.hbmMask);
     EXPECT_EQ(info.hbmColor, nullptr);
@@ -291,7 +291,7 @@ TEST(IconCodec, BlackAndWhiteIconHasNoColourBitmapAndAMaskTwiceAsHigh) {
 TEST(IconCodec, BlackAndWhiteMaskHoldsTheAndRowsAboveTheXorRows) {
     const UniqueIcon icon(MakeMonochromeTestIcon(32));
     ICONINFO info{};
-    ASSERT_TRUE(GetIconInfo(icon.get(), &info));
+    ASSERT_TRUE(GetIconInfo(icon.Get(), &info));
     const UniqueGdiObject colour(info.hbmColor);
     const UniqueGdiObject mask(info.hbmMask);
     // 64 rows bottom-up, 4 bytes each: buffer row r is picture row 63 - r.
@@ -309,14 +309,14 @@ TEST(IconCodec, BlackAndWhiteMaskHoldsTheAndRowsAboveTheXorRows) {
 
 TEST(IconCodec, BlackAndWhiteIconDrawsAndThenXor) {
     const UniqueIcon icon(MakeMonochromeTestIcon(32));
-    EXPECT_EQ(RenderedIcon(icon.get(), 32, kGreenish), ExpectedMonochromeDrawing(32, Rgb(kGreenish)));
-    EXPECT_EQ(RenderedIcon(icon.get(), 32, kPurple), ExpectedMonochromeDrawing(32, Rgb(kPurple)));
+    EXPECT_EQ(RenderedIcon(icon.Get(), 32, kGreenish), ExpectedMonochromeDrawing(32, Rgb(kGreenish)));
+    EXPECT_EQ(RenderedIcon(icon.Get(), 32, kPurple), ExpectedMonochromeDrawing(32, Rgb(kPurple)));
 }
 
 TEST(IconCodec, BlackAndWhiteIconIsEncodedAsOneBitImageWithBlackAndWhite) {
     const UniqueIcon icon(MakeMonochromeTestIcon(32));
     std::uint64_t size = 0;
-    const std::string text = WithoutLineBreaks(Encode(icon.get(), nullptr, &size));
+    const std::string text = WithoutLineBreaks(Encode(icon.Get(), nullptr, &size));
     const std::uint64_t bytes = 6 + 16 + 40 + 8 + 32 * (4 + 4);
     EXPECT_EQ(bytes, 326u);
     EXPECT_EQ(size, 2 * bytes + 2 * (bytes / 32) + 1);
@@ -347,24 +347,24 @@ TEST(IconCodec, BlackAndWhiteIconIsEncodedAsOneBitImageWithBlackAndWhite) {
 
 TEST(IconCodec, BlackAndWhiteIconRoundTripsWithItsSizePixelsAndMask) {
     const UniqueIcon original(MakeMonochromeTestIcon(32));
-    const std::string text = Encode(original.get(), nullptr);
+    const std::string text = Encode(original.Get(), nullptr);
     ASSERT_FALSE(text.empty());
     HICON decoded = kUnset, decodedSmall = kUnset;
     EXPECT_EQ(DecodeIcons(text.c_str(), &decoded, &decodedSmall), 1);
     const UniqueIcon icon(decoded);
     EXPECT_EQ(decodedSmall, nullptr);
     ASSERT_TRUE(icon);
-    EXPECT_EQ(IconSize(icon.get()).cx, 32);
-    EXPECT_EQ(IconSize(icon.get()).cy, 32);
+    EXPECT_EQ(IconSize(icon.Get()).cx, 32);
+    EXPECT_EQ(IconSize(icon.Get()).cy, 32);
     for (COLORREF background : {kGreenish, kPurple})
-        EXPECT_EQ(RenderedIcon(icon.get(), 32, background), ExpectedMonochromeDrawing(32, Rgb(background)));
-    EXPECT_EQ(RenderedIcon(icon.get(), 32, kGreenish, DI_MASK), RenderedIcon(original.get(), 32, kGreenish, DI_MASK));
+        EXPECT_EQ(RenderedIcon(icon.Get(), 32, background), ExpectedMonochromeDrawing(32, Rgb(background)));
+    EXPECT_EQ(RenderedIcon(icon.Get(), 32, kGreenish, DI_MASK), RenderedIcon(original.Get(), 32, kGreenish, DI_MASK));
 }
 
 TEST(IconCodec, BlackAndWhitePairKeepsBothImages) {
     const UniqueIcon large(MakeMonochromeTestIcon(32));
     const UniqueIcon small(MakeMonochromeTestIcon(16));
-    const std::string text = Encode(large.get(), small.get());
+    const std::string text = Encode(large.Get(), small.Get());
     const std::string flat = WithoutLineBreaks(text);
     EXPECT_EQ(flat.substr(0, 12), "000001000200");
     // Second entry: 16 x 16, 2 colours, 1 bit, 40 + 8 + 16 x 8 = 176 (0xB0) bytes at
@@ -377,14 +377,14 @@ TEST(IconCodec, BlackAndWhitePairKeepsBothImages) {
     ASSERT_TRUE(icon);
     ASSERT_TRUE(smallIcon);
     ASSERT_EQ(GetSystemMetrics(SM_CXSMICON), 16);
-    EXPECT_EQ(IconSize(smallIcon.get()).cx, 16);
-    EXPECT_EQ(RenderedIcon(smallIcon.get(), 16, kPurple), ExpectedMonochromeDrawing(16, Rgb(kPurple)));
-    EXPECT_EQ(RenderedIcon(icon.get(), 32, kPurple), ExpectedMonochromeDrawing(32, Rgb(kPurple)));
+    EXPECT_EQ(IconSize(smallIcon.Get()).cx, 16);
+    EXPECT_EQ(RenderedIcon(smallIcon.Get(), 16, kPurple), ExpectedMonochromeDrawing(16, Rgb(kPurple)));
+    EXPECT_EQ(RenderedIcon(icon.Get(), 32, kPurple), ExpectedMonochromeDrawing(32, Rgb(kPurple)));
 }
 
 TEST(IconCodec, CopyOfABlackAndWhiteIconIsEncodedLikeTheOriginal) {
     const UniqueIcon original(MakeMonochromeTestIcon(32));
-    const UniqueIcon copy(CopyIcon(original.get()));
+    const UniqueIcon copy(CopyIcon(original.Get()));
     ASSERT_TRUE(copy);
-    EXPECT_EQ(Encode(copy.get(), nullptr), Encode(original.get(), nullptr));
+    EXPECT_EQ(Encode(copy.Get(), nullptr), Encode(original.Get(), nullptr));
 }

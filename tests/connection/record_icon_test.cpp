@@ -64,11 +64,11 @@ TEST(RecordIcon, CopyOfADecodedIconIsANewIconWithTheSamePixels) {
         const UniqueIcon copy(icon.Copy()), smallCopy(smallIcon.Copy());
         ASSERT_TRUE(copy);
         ASSERT_TRUE(smallCopy);
-        EXPECT_NE(copy.get(), icon.get());
-        EXPECT_NE(smallCopy.get(), smallIcon.get());
-        ExpectSamePixels(copy.get(), icon.get());
-        ExpectSamePixels(smallCopy.get(), smallIcon.get());
-        EXPECT_EQ(IconSize(smallCopy.get()).cx, GetSystemMetrics(SM_CXSMICON));
+        EXPECT_NE(copy.Get(), icon.Get());
+        EXPECT_NE(smallCopy.Get(), smallIcon.Get());
+        ExpectSamePixels(copy.Get(), icon.Get());
+        ExpectSamePixels(smallCopy.Get(), smallIcon.Get());
+        EXPECT_EQ(IconSize(smallCopy.Get()).cx, GetSystemMetrics(SM_CXSMICON));
     }
 }
 
@@ -78,11 +78,11 @@ TEST(RecordIcon, CopyOutlivesTheRecordsIcon) {
     const UniqueIcon smallOwner(small.handle);
     RecordIcon icon;
     icon.ResetDecoded(std::move(large));
-    const Pixels before = PixelsOf(icon.get());
+    const Pixels before = PixelsOf(icon.Get());
     const UniqueIcon copy(icon.Copy());
-    icon.reset();
+    icon.Reset();
     EXPECT_FALSE(icon);
-    const Pixels after = PixelsOf(copy.get());
+    const Pixels after = PixelsOf(copy.Get());
     EXPECT_EQ(after.colour, before.colour);
     EXPECT_EQ(after.mask, before.mask);
 }
@@ -95,11 +95,11 @@ TEST(RecordIcon, AnIconFromElsewhereIsCopiedAsItIsNotAsTheImageItReplaced) {
     icon.ResetDecoded(std::move(large));
     // The Options page puts an icon of the user's choice in: a copy must show that one.
     const UniqueIcon chosen(MakeTestIcon(48, 8, 5));
-    icon.reset(CopyIcon(chosen.get()));
+    icon.Reset(CopyIcon(chosen.Get()));
     const UniqueIcon copy(icon.Copy());
     ASSERT_TRUE(copy);
-    EXPECT_EQ(IconSize(copy.get()).cx, 48);
-    ExpectSamePixels(copy.get(), chosen.get());
+    EXPECT_EQ(IconSize(copy.Get()).cx, 48);
+    ExpectSamePixels(copy.Get(), chosen.Get());
 }
 
 TEST(RecordIcon, ReleaseHandsTheIconOverAndForgetsTheImage) {
@@ -108,9 +108,9 @@ TEST(RecordIcon, ReleaseHandsTheIconOverAndForgetsTheImage) {
     const UniqueIcon smallOwner(small.handle);
     RecordIcon icon;
     icon.ResetDecoded(std::move(large));
-    const HICON held = icon.get();
-    const UniqueIcon released(icon.release());
-    EXPECT_EQ(released.get(), held);
+    const HICON held = icon.Get();
+    const UniqueIcon released(icon.Detach());
+    EXPECT_EQ(released.Get(), held);
     EXPECT_FALSE(icon);
     EXPECT_EQ(icon.Copy(), nullptr);
 }

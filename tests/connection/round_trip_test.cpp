@@ -252,13 +252,13 @@ TEST(RoundTrip, SeededRandomRecordsComeBackAsWrittenExceptTheKnownDeviations) {
         RecordGenerator generate(seed);
         auto w = generate.Record();
         const bool withIcon = generate.Chance(20);
-        if (withIcon) w->SetIcons(CopyIcon(icon.get()), generate.Chance(50) ? CopyIcon(icon.get()) : nullptr);
+        if (withIcon) w->SetIcons(CopyIcon(icon.Get()), generate.Chance(50) ? CopyIcon(icon.Get()) : nullptr);
         auto r = RoundTrip(*w);
         ExpectSameFields(*r, ExpectedAfterRoundTrip(*w), seed);
         EXPECT_EQ(static_cast<bool>(r->icon), withIcon) << seed;
         EXPECT_EQ(static_cast<bool>(r->smallIcon), static_cast<bool>(w->smallIcon) && withIcon) << seed;
         if (withIcon) {
-            EXPECT_EQ(IconSize(r->icon.get()).cx, 32) << seed;
+            EXPECT_EQ(IconSize(r->icon.Get()).cx, 32) << seed;
         }
         if (HasFailure()) return;  // one seed's story is enough
     }

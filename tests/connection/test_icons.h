@@ -112,11 +112,11 @@ inline std::vector<std::uint32_t> RenderedIcon(HICON icon, int size, COLORREF ba
     if (!section || !bits) return pixels;
     {
         const UniqueMemoryDC dc(CreateCompatibleDC(nullptr));
-        const SelectedObject selected(dc.get(), section.get());
+        const SelectedObject selected(dc.Get(), section.Get());
         const UniqueGdiObject brush(CreateSolidBrush(background));
         const RECT all{0, 0, size, size};
-        FillRect(dc.get(), &all, static_cast<HBRUSH>(brush.get()));
-        DrawIconEx(dc.get(), 0, 0, icon, 0, 0, 0, nullptr, flags);
+        FillRect(dc.Get(), &all, static_cast<HBRUSH>(brush.Get()));
+        DrawIconEx(dc.Get(), 0, 0, icon, 0, 0, 0, nullptr, flags);
         GdiFlush();
     }
     const auto* p = static_cast<const std::uint32_t*>(bits);

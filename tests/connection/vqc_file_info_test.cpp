@@ -35,8 +35,8 @@ void* const kUntouched = reinterpret_cast<void*>(static_cast<uintptr_t>(0xdeadbe
 TEST(VQCFileInfo, FreshRecordHasNoIconsNoReferencesAndTheSettingsDefaults) {
     VQCFileInfo record("C:\\conn\\a.vqc");
     EXPECT_EQ(record.refCount, 0u);
-    EXPECT_EQ(record.icon.get(), nullptr);
-    EXPECT_EQ(record.smallIcon.get(), nullptr);
+    EXPECT_EQ(record.icon.Get(), nullptr);
+    EXPECT_EQ(record.smallIcon.Get(), nullptr);
     EXPECT_EQ(record.filePath, "C:\\conn\\a.vqc");
     EXPECT_EQ(record.servicePort, -1);
     EXPECT_EQ(record.clientVersion, 726);
@@ -128,8 +128,8 @@ TEST(VQCFileInfo, ReplacingTheIconsDestroysTheOldOnes) {
     EXPECT_FALSE(IconIsAlive(oldLarge));
     EXPECT_FALSE(IconIsAlive(oldSmall));
     EXPECT_TRUE(IconIsAlive(newLarge));
-    EXPECT_EQ(record.icon.get(), newLarge);
-    EXPECT_EQ(record.smallIcon.get(), nullptr);
+    EXPECT_EQ(record.icon.Get(), newLarge);
+    EXPECT_EQ(record.smallIcon.Get(), nullptr);
 }
 
 namespace {

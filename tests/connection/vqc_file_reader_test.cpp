@@ -390,9 +390,9 @@ TEST(Reader, IconOptionDecodesBothIcons) {
     Record r = ReadText("-h s\r\n-I \"" + hex + "\" -C x");
     ASSERT_TRUE(r->icon);
     ASSERT_TRUE(r->smallIcon);
-    EXPECT_EQ(IconSize(r->icon.get()).cx, 32);
-    EXPECT_EQ(IconSize(r->smallIcon.get()).cx, GetSystemMetrics(SM_CXSMICON));
-    EXPECT_EQ(IconSize(r->smallIcon.get()).cy, GetSystemMetrics(SM_CYSMICON));
+    EXPECT_EQ(IconSize(r->icon.Get()).cx, 32);
+    EXPECT_EQ(IconSize(r->smallIcon.Get()).cx, GetSystemMetrics(SM_CXSMICON));
+    EXPECT_EQ(IconSize(r->smallIcon.Get()).cy, GetSystemMetrics(SM_CYSMICON));
     EXPECT_EQ(r->commandLine, "x");
 }
 

@@ -211,7 +211,7 @@ TEST(Writer, WithOptionKOnlyKUIAndCAppear) {
     r->login = "bob";
     r->commandLine = "run me";
     r->SetIcons(MakeTestIcon(16, 4), nullptr);
-    const std::string hex = IconHex(r->icon.get(), nullptr);
+    const std::string hex = IconHex(r->icon.Get(), nullptr);
     EXPECT_EQ(Written(*r), "-K -u bob \r\n-I \"" + hex + "\" -C run me");
 }
 
@@ -268,7 +268,7 @@ TEST(Writer, IconBlockStandsOnItsOwnLineInQuotes) {
     auto r = Fresh();
     r->host = "h";
     r->SetIcons(MakeTestIcon(32, 4), MakeTestIcon(16, 4));
-    const std::string hex = IconHex(r->icon.get(), r->smallIcon.get());
+    const std::string hex = IconHex(r->icon.Get(), r->smallIcon.Get());
     const std::string content = Written(*r);
     EXPECT_EQ(content, "-h h \r\n-I \"" + hex + "\" ");
     EXPECT_NE(hex.find("\r\n"), std::string::npos);
@@ -283,21 +283,21 @@ TEST(Writer, BlackAndWhiteIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     const std::string content = file.Content();
     // The first directory entry: 32 x 32, 2 colours, 1 plane, 1 bit per pixel.
     EXPECT_EQ(content.substr(16 + 12, 16), "2020020001000100");
-    EXPECT_EQ(content, "-h server \r\n-I \"" + IconHex(w->icon.get(), w->smallIcon.get()) + "\" ");
+    EXPECT_EQ(content, "-h server \r\n-I \"" + IconHex(w->icon.Get(), w->smallIcon.Get()) + "\" ");
 
     auto r = Fresh();
     ASSERT_EQ(r->Read(file.path()), 0);
     ASSERT_TRUE(r->icon);
     ASSERT_TRUE(r->smallIcon);
-    EXPECT_EQ(IconSize(r->icon.get()).cx, 32);
-    EXPECT_EQ(IconSize(r->icon.get()).cy, 32);
-    EXPECT_EQ(IconSize(r->smallIcon.get()).cx, GetSystemMetrics(SM_CXSMICON));
+    EXPECT_EQ(IconSize(r->icon.Get()).cx, 32);
+    EXPECT_EQ(IconSize(r->icon.Get()).cy, 32);
+    EXPECT_EQ(IconSize(r->smallIcon.Get()).cx, GetSystemMetrics(SM_CXSMICON));
     for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
-        EXPECT_EQ(RenderedIcon(r->icon.get(), 32, background), RenderedIcon(w->icon.get(), 32, background));
-        EXPECT_EQ(RenderedIcon(r->smallIcon.get(), 16, background),
-                  RenderedIcon(w->smallIcon.get(), 16, background));
+        EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, background), RenderedIcon(w->icon.Get(), 32, background));
+        EXPECT_EQ(RenderedIcon(r->smallIcon.Get(), 16, background),
+                  RenderedIcon(w->smallIcon.Get(), 16, background));
     }
-    EXPECT_EQ(RenderedIcon(r->icon.get(), 32, 0, DI_MASK), RenderedIcon(w->icon.get(), 32, 0, DI_MASK));
+    EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, 0, DI_MASK), RenderedIcon(w->icon.Get(), 32, 0, DI_MASK));
 }
 
 TEST(Writer, FourBitIconIsWrittenAndReadBackWithItsPixelsAndMask) {
@@ -310,16 +310,16 @@ TEST(Writer, FourBitIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     ASSERT_EQ(r->Read(file.path()), 0);
     ASSERT_TRUE(r->icon);
     ASSERT_TRUE(r->smallIcon);
-    EXPECT_EQ(IconSize(r->icon.get()).cx, 32);
-    EXPECT_EQ(IconSize(r->icon.get()).cy, 32);
+    EXPECT_EQ(IconSize(r->icon.Get()).cx, 32);
+    EXPECT_EQ(IconSize(r->icon.Get()).cy, 32);
     for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
-        EXPECT_EQ(RenderedIcon(r->icon.get(), 32, background), RenderedIcon(w->icon.get(), 32, background));
-        EXPECT_EQ(RenderedIcon(r->smallIcon.get(), 16, background),
-                  RenderedIcon(w->smallIcon.get(), 16, background));
+        EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, background), RenderedIcon(w->icon.Get(), 32, background));
+        EXPECT_EQ(RenderedIcon(r->smallIcon.Get(), 16, background),
+                  RenderedIcon(w->smallIcon.Get(), 16, background));
     }
-    EXPECT_EQ(RenderedIcon(r->icon.get(), 32, 0, DI_MASK), RenderedIcon(w->icon.get(), 32, 0, DI_MASK));
+    EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, 0, DI_MASK), RenderedIcon(w->icon.Get(), 32, 0, DI_MASK));
     // The drawing uses the whole palette, so equal drawings mean equal icons.
-    std::vector<std::uint32_t> drawn = RenderedIcon(r->icon.get(), 32, RGB(0x20, 0xC0, 0x60));
+    std::vector<std::uint32_t> drawn = RenderedIcon(r->icon.Get(), 32, RGB(0x20, 0xC0, 0x60));
     std::sort(drawn.begin(), drawn.end());
     EXPECT_GE(std::unique(drawn.begin(), drawn.end()) - drawn.begin(), 16);
 }

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/registration/registry_test_support.h"
-#include "tests/shellext/shellext_test_support.h"
+#include "tests/pages/page_test_support.h"
 
 using namespace test_support;
 
@@ -17,20 +17,20 @@ namespace {
 void AddRecentHost(const std::string& name) {
     CreateKey(HKEY_CURRENT_USER, kRecentHostsKey);
     UniqueRegKey parent;
-    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, kRecentHostsKey, 0, KEY_CREATE_SUB_KEY, parent.put()), ERROR_SUCCESS);
-    CreateKey(parent.get(), name);
-    ASSERT_TRUE(KeyExists(parent.get(), name)) << name;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, kRecentHostsKey, 0, KEY_CREATE_SUB_KEY, parent.Put()), ERROR_SUCCESS);
+    CreateKey(parent.Get(), name);
+    ASSERT_TRUE(KeyExists(parent.Get(), name)) << name;
 }
 
 // A copy of a module loaded from a folder of its own.
 class ModuleInFolder {
 public:
     explicit ModuleInFolder(const std::string& tag) : folder_(tag) {
-        copied_ = CopyInto(FixturePath("client_7"), folder_.File("vqcprop64.dll"));
-        module_.reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
+        copied_ = CopyFileA(page_test::ClientFixturePath("client_7").c_str(), folder_.File("vqcprop64.dll").c_str(), FALSE) != FALSE;
+        module_.Reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
     }
     bool Ready() const { return copied_ && module_; }
-    HMODULE get() const { return module_.get(); }
+    HMODULE Get() const { return module_.Get(); }
     std::string File(const std::string& name) const { return folder_.File(name); }
 
 private:
@@ -88,7 +88,7 @@ TEST(RecentHosts, TheRealUserHiveIsNotReadWhileRedirected) {
     AddRecentHost("private.example");
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     const std::vector<std::string> real = ReadRecentHosts();
-    RegOverridePredefKey(HKEY_CURRENT_USER, user.get());
+    RegOverridePredefKey(HKEY_CURRENT_USER, user.Get());
     for (const std::string& host : real) EXPECT_NE(host, "private.example");
     EXPECT_EQ(ReadRecentHosts(), (std::vector<std::string>{"private.example"}));
 }
@@ -96,21 +96,21 @@ TEST(RecentHosts, TheRealUserHiveIsNotReadWhileRedirected) {
 TEST(ServerModule, AbsentBesideTheModule) {
     ModuleInFolder module("vserver-absent");
     ASSERT_TRUE(module.Ready());
-    EXPECT_FALSE(IsServerModulePresent(module.get()));
+    EXPECT_FALSE(IsServerModulePresent(module.Get()));
 }
 
 TEST(ServerModule, FileBesideTheModuleIsPresent) {
     ModuleInFolder module("vserver-file");
     ASSERT_TRUE(module.Ready());
     WriteFileBytes(module.File("vserver.dll"), "");
-    EXPECT_TRUE(IsServerModulePresent(module.get()));
+    EXPECT_TRUE(IsServerModulePresent(module.Get()));
 }
 
 TEST(ServerModule, DirectoryOfThatNameCountsToo) {
     ModuleInFolder module("vserver-directory");
     ASSERT_TRUE(module.Ready());
     ASSERT_TRUE(CreateDirectoryA(module.File("vserver.dll").c_str(), nullptr));
-    EXPECT_TRUE(IsServerModulePresent(module.get()));
+    EXPECT_TRUE(IsServerModulePresent(module.Get()));
 }
 
 TEST(ServerModule, OnlyTheModulesOwnDirectoryIsLookedAt) {
@@ -119,8 +119,8 @@ TEST(ServerModule, OnlyTheModulesOwnDirectoryIsLookedAt) {
     ASSERT_TRUE(module.Ready());
     ASSERT_TRUE(other.Ready());
     WriteFileBytes(other.File("vserver.dll"), "");
-    EXPECT_FALSE(IsServerModulePresent(module.get()));
-    EXPECT_TRUE(IsServerModulePresent(other.get()));
+    EXPECT_FALSE(IsServerModulePresent(module.Get()));
+    EXPECT_TRUE(IsServerModulePresent(other.Get()));
 }
 
 TEST(ServerModule, UnknownModuleHandleIsAbsent) {

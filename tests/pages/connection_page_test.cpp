@@ -8,10 +8,9 @@
 #include <memory>
 #include <set>
 
-#include "shellext/vqcprop_module.h"
+#include "runtime/module_runtime.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/pages/sheet_input.h"
-#include "tests/shellext/shellext_test_support.h"
 
 using namespace page_test;
 using namespace connection_page;
@@ -51,24 +50,26 @@ private:
 };
 
 // This module, as the page sees it, is a copy of a stand-in DLL in a folder of its own,
-// with "vserver.dll" beside it when asked.
-class ModuleStandIn {
+// with "vserver.dll" beside it when asked: the process's module while the object lives.
+class ModuleStandIn final : public ModuleRuntime {
 public:
     ModuleStandIn(const std::string& tag, bool withVServer) : folder_(tag) {
         const std::string copy = folder_.File("vqcprop64.dll");
         CopyFileA(ClientFixturePath("client_7").c_str(), copy.c_str(), FALSE);
         if (withVServer) WriteFileBytes(folder_.File("vserver.dll"), "");
-        module_.reset(LoadLibraryA(copy.c_str()));
-        previous_ = TheModule().instance;
-        if (module_) TheModule().instance = module_.get();
+        module_.Reset(LoadLibraryA(copy.c_str()));
     }
-    ~ModuleStandIn() { TheModule().instance = previous_; }
     bool Ready() const { return static_cast<bool>(module_); }
+
+    HINSTANCE Instance() const noexcept override { return module_.Get(); }
+    UINT* LockCountAddress() noexcept override { return &lockCount_; }
+    WindowCreationList& WindowCreation() noexcept override { return windowCreation_; }
 
 private:
     TempFolder folder_;
     UniqueModule module_;
-    HINSTANCE previous_ = nullptr;
+    UINT lockCount_ = 0;
+    WindowCreationList windowCreation_;
 };
 
 // A connection file with the given text, read into a record whose client has the given
@@ -229,8 +230,8 @@ TEST(ConnectionPage, KeepsEachEntrysPositionFoundByItsText) {
     ConnectionSheet sheet("cp-indices", "-h h", 689);
     ASSERT_TRUE(sheet.Ready());
     // The sorted list puts "Connect locally" first.
-    EXPECT_EQ(sheet.object()->ConnectionTypeIndex(), (ConnectionTypeIndices{1, 0, 2}));
-    EXPECT_EQ(sheet.object()->LoginTypeIndex(), (LoginTypeIndices{0, 1, 2, 3, 4, -1}));
+    EXPECT_EQ(sheet.object()->ConnectionTypeIndexForTesting(), (ConnectionTypeIndices{1, 0, 2}));
+    EXPECT_EQ(sheet.object()->LoginTypeIndexForTesting(), (LoginTypeIndices{0, 1, 2, 3, 4, -1}));
 }
 
 TEST(ConnectionPage, EntriesNotAddedKeepPositionMinusOne) {
@@ -238,8 +239,8 @@ TEST(ConnectionPage, EntriesNotAddedKeepPositionMinusOne) {
     DomainAnswer domain(NotInDomain);
     ConnectionSheet sheet("cp-indices-missing", "-h h", 690);
     ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(sheet.object()->ConnectionTypeIndex(), (ConnectionTypeIndices{0, -1, 1}));
-    EXPECT_EQ(sheet.object()->LoginTypeIndex(), (LoginTypeIndices{0, 1, 2, -1, -1, -1}));
+    EXPECT_EQ(sheet.object()->ConnectionTypeIndexForTesting(), (ConnectionTypeIndices{0, -1, 1}));
+    EXPECT_EQ(sheet.object()->LoginTypeIndexForTesting(), (LoginTypeIndices{0, 1, 2, -1, -1, -1}));
 }
 
 TEST(ConnectionPage, OptionKSelectsDiscoverServiceFrom665) {

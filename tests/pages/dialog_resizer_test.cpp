@@ -1,7 +1,7 @@
 // Resizing on real pages: at the template size nothing moves; a page made wider and taller
 // moves and sizes exactly the controls of its map by dx and dy, hidden ones too; no page
 // has a size grip.
-#include "pages/dialog_resizer.h"
+#include "ui/dialog_resizer.h"
 
 #include <gtest/gtest.h>
 
@@ -268,28 +268,7 @@ TEST(PageResizing, NoPageHasASizeGrip) {
     }
 }
 
-// --- The resizer's other arguments, which the pages do not use ---------------------------------
-
-TEST(DialogResizer, GripperAndMinimumWhenAskedFor) {
-    const HWND dialog = reinterpret_cast<HWND>(
-        CreateTableDialog(GetModuleHandleA(nullptr), 3, nullptr, PlainDialogProc, 0, 0, nullptr, 0));
-    ASSERT_NE(dialog, nullptr);
-    DialogResizer resizer;
-    resizer.Init(dialog, kOptionPageResizeMap, true, true, WS_CLIPCHILDREN);
-    ASSERT_NE(resizer.Gripper(), nullptr);
-    EXPECT_TRUE(IsSameWindow(GetParent(resizer.Gripper()), dialog));
-    EXPECT_TRUE(GetWindowLongPtrA(resizer.Gripper(), GWL_STYLE) & SBS_SIZEGRIP);
-    EXPECT_TRUE(GetWindowLongPtrA(dialog, GWL_STYLE) & WS_CLIPCHILDREN);
-    RECT window{};
-    GetWindowRect(dialog, &window);
-    MINMAXINFO info{};
-    LRESULT result = 0xdeadbeef;
-    EXPECT_TRUE(resizer.ProcessWindowMessage(dialog, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info), result));
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(info.ptMinTrackSize.x, window.right - window.left);
-    EXPECT_EQ(info.ptMinTrackSize.y, window.bottom - window.top);
-    DestroyWindow(dialog);
-}
+// --- The resizer alone -----------------------------------------------------------------
 
 TEST(DialogResizer, NothingIsHandledBeforeInit) {
     DialogResizer resizer;
@@ -304,8 +283,7 @@ TEST(DialogResizer, RowsForMissingControlsAreLeftOut) {
     ASSERT_NE(dialog, nullptr);
     const ResizeMapEntry map[] = {{4242, DLSZ_MOVE_X}, {1040, DLSZ_MOVE_X}, kResizeMapEnd};
     DialogResizer resizer;
-    resizer.Init(dialog, map, false, false, 0);
-    EXPECT_EQ(resizer.Gripper(), nullptr);
+    resizer.Init(dialog, map);
     const RECT before = ChildRect(GetDlgItem(dialog, 1040));
     RECT client{};
     GetClientRect(dialog, &client);

@@ -38,7 +38,7 @@ protected:
 TEST_F(ShellIconSize, UserRootIsPrivateToTheTest) {
     SetText("48");
     HKEY key = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(root_.get(), kWindowMetrics, 0, KEY_READ, &key), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExA(root_.Get(), kWindowMetrics, 0, KEY_READ, &key), ERROR_SUCCESS);
     RegCloseKey(key);
 }
 

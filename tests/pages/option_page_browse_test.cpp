@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "pages/open_file_dialog.h"
+#include "ui/open_file_dialog.h"
 #include "pages/option_page.h"
 #include "resources/local_string_cache.h"
 #include "tests/pages/file_dialog_driver.h"
@@ -49,10 +49,10 @@ class RecordedBrowse : public ::testing::Test {
 protected:
     void SetUp() override {
         g_recorded = &recorded;
-        previous = OpenFileDialog::SetShowFunction(RecordingShow);
+        previous = OpenFileDialog::SetShowFunctionForTesting(RecordingShow);
     }
     void TearDown() override {
-        OpenFileDialog::SetShowFunction(previous);
+        OpenFileDialog::SetShowFunctionForTesting(previous);
         g_recorded = nullptr;
     }
 
@@ -92,7 +92,7 @@ TEST_F(RecordedBrowse, InitialNameLongerThan259CharactersIsCut) {
     const std::string longPath = "C:\\" + std::string(280, 'p') + "\\client.dll";
     const ComPtr<VQCFileInfo> record = Record(longPath);
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(sheet.page()->IconFile(), longPath);
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), longPath);
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     ASSERT_EQ(recorded.calls, 1);
     EXPECT_EQ(recorded.file, longPath.substr(0, 259));
@@ -101,39 +101,39 @@ TEST_F(RecordedBrowse, InitialNameLongerThan259CharactersIsCut) {
 TEST_F(RecordedBrowse, CancelChangesNothing) {
     const ComPtr<VQCFileInfo> record = Record();
     OptionSheet sheet(record.Get());
-    const HICON icon = record->icon.get();
+    const HICON icon = record->icon.Get();
     recorded.answer = IconFile("true_colour");
     recorded.result = FALSE;
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     ASSERT_EQ(recorded.calls, 1);
-    EXPECT_EQ(sheet.page()->IconFile(), IconsDll());
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), IconsDll());
     EXPECT_EQ(sheet.Label(), "Look for icons in: option_icons.dll");
     EXPECT_EQ(sheet.ListCount(), 5);
-    EXPECT_EQ(record->icon.get(), icon);
+    EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_FALSE(sheet.ApplyEnabled());
 }
 
 TEST_F(RecordedBrowse, ConfirmedFileChangesLabelAndListButNotTheRecord) {
     const ComPtr<VQCFileInfo> record = Record();
     OptionSheet sheet(record.Get());
-    const HICON icon = record->icon.get();
-    const HICON small = record->smallIcon.get();
+    const HICON icon = record->icon.Get();
+    const HICON small = record->smallIcon.Get();
     recorded.answer = IconFile("true_colour");
     recorded.result = TRUE;
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
-    EXPECT_EQ(sheet.page()->IconFile(), IconFile("true_colour"));
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), IconFile("true_colour"));
     EXPECT_EQ(sheet.Label(), "Look for icons in: true_colour.ico");
     ASSERT_EQ(sheet.ListCount(), 1);
     EXPECT_EQ(SignatureOf(sheet.ListIcon(0)), signature::kTrueColourLarge);
     EXPECT_EQ(SendMessageA(sheet.list(), LB_GETCURSEL, 0, 0), LB_ERR);  // nothing selected
-    EXPECT_EQ(record->icon.get(), icon);
-    EXPECT_EQ(record->smallIcon.get(), small);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kFourBitLarge);
+    EXPECT_EQ(record->icon.Get(), icon);
+    EXPECT_EQ(record->smallIcon.Get(), small);
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kFourBitLarge);
     EXPECT_FALSE(sheet.ApplyEnabled());
 
     sheet.ClickItem(0);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kTrueColourLarge);
-    EXPECT_EQ(SignatureOf(record->smallIcon.get()), signature::kTrueColourSmall);
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kTrueColourLarge);
+    EXPECT_EQ(SignatureOf(record->smallIcon.Get()), signature::kTrueColourSmall);
     EXPECT_TRUE(sheet.ApplyEnabled());
 }
 
@@ -193,7 +193,7 @@ TEST(OptionPageBrowseDialog, TypedFileChangesLabelAndListThenAClickChangesTheRec
     TempFolder folder("option-dialog");
     const ComPtr<VQCFileInfo> record = DialogRecord(folder);
     OptionSheet sheet(record.Get());
-    const HICON icon = record->icon.get();
+    const HICON icon = record->icon.Get();
     const std::string chosen = WindowsPath(IconFile("black_white"));
 
     page_test::FileDialogDriver driver(GetCurrentThreadId(), chosen);
@@ -205,15 +205,15 @@ TEST(OptionPageBrowseDialog, TypedFileChangesLabelAndListThenAClickChangesTheRec
     EXPECT_EQ(driver.fileNameShown(), "option_icons.dll");
     EXPECT_EQ(driver.fileTypeShown(), "Executable and icon files");
 
-    EXPECT_EQ(sheet.page()->IconFile(), chosen);
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), chosen);
     EXPECT_EQ(sheet.Label(), "Look for icons in: black_white.ico");
     ASSERT_EQ(sheet.ListCount(), 1);
     EXPECT_EQ(SignatureOf(sheet.ListIcon(0)), signature::kWhite);
-    EXPECT_EQ(record->icon.get(), icon);
+    EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_FALSE(sheet.ApplyEnabled());
 
     sheet.ClickItem(0);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kWhite);
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kWhite);
     EXPECT_TRUE(sheet.ApplyEnabled());
 }
 
@@ -221,15 +221,15 @@ TEST(OptionPageBrowseDialog, CancelledDialogChangesNothing) {
     TempFolder folder("option-dialog-cancel");
     const ComPtr<VQCFileInfo> record = DialogRecord(folder);
     OptionSheet sheet(record.Get());
-    const HICON icon = record->icon.get();
+    const HICON icon = record->icon.Get();
 
     page_test::FileDialogDriver driver(GetCurrentThreadId(), "");
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     driver.Finish();
     ASSERT_TRUE(driver.sawDialog());
-    EXPECT_EQ(sheet.page()->IconFile(), WindowsPath(IconsDll()));
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), WindowsPath(IconsDll()));
     EXPECT_EQ(sheet.Label(), "Look for icons in: option_icons.dll");
     EXPECT_EQ(sheet.ListCount(), 5);
-    EXPECT_EQ(record->icon.get(), icon);
+    EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_FALSE(sheet.ApplyEnabled());
 }

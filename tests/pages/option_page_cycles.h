@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "common/win_handles.h"
-#include "pages/open_file_dialog.h"
+#include "ui/open_file_dialog.h"
 #include "pages/option_page.h"
 #include "tests/pages/option_page_test_support.h"
 
@@ -28,7 +28,7 @@ public:
         const UniqueIcon model(CreateIcon(nullptr, 1, 1, 1, 1, andBits, xorBits));
         if (!model) return;
         for (;;) {
-            UniqueIcon copy(CopyIcon(model.get()));
+            UniqueIcon copy(CopyIcon(model.Get()));
             if (!copy) break;
             icons_.push_back(std::move(copy));
         }
@@ -49,7 +49,7 @@ public:
             bitmaps_.push_back(std::move(bitmap));
         }
         for (std::size_t left = IconsLeft(); left > headroom; --left) {
-            UniqueIcon copy(CopyIcon(model.get()));
+            UniqueIcon copy(CopyIcon(model.Get()));
             if (!copy) break;
             icons_.push_back(std::move(copy));
         }
@@ -105,9 +105,9 @@ inline bool OpenPickApplyClose(const std::string& file) {
         OptionSheet sheet(record.Get());
         if (!sheet.window()) return false;
         ok = ok && sheet.ListCount() == 5 && record->icon && record->smallIcon;
-        const OpenFileDialog::ShowFunction previous = OpenFileDialog::SetShowFunction(PickTheIconsDll);
+        const OpenFileDialog::ShowFunction previous = OpenFileDialog::SetShowFunctionForTesting(PickTheIconsDll);
         sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
-        OpenFileDialog::SetShowFunction(previous);
+        OpenFileDialog::SetShowFunctionForTesting(previous);
         ok = ok && sheet.ListCount() == 5;
         sheet.ClickItem(1);
         sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);

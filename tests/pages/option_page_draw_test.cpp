@@ -53,16 +53,16 @@ public:
         info.bmiHeader.biPlanes = 1;
         info.bmiHeader.biBitCount = 32;
         info.bmiHeader.biCompression = BI_RGB;
-        bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits_, nullptr, 0));
-        dc_.reset(CreateCompatibleDC(nullptr));
-        old_ = SelectObject(dc_.get(), bitmap_.get());
+        bitmap_.Reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits_, nullptr, 0));
+        dc_.Reset(CreateCompatibleDC(nullptr));
+        old_ = SelectObject(dc_.Get(), bitmap_.Get());
         for (int i = 0; i < width * height; ++i) static_cast<std::uint32_t*>(bits_)[i] = kUntouched;
     }
-    ~Canvas() { SelectObject(dc_.get(), old_); }
+    ~Canvas() { SelectObject(dc_.Get(), old_); }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
-    HDC dc() const { return dc_.get(); }
+    HDC dc() const { return dc_.Get(); }
     std::vector<std::uint32_t> Pixels() const {
         GdiFlush();
         const auto* p = static_cast<const std::uint32_t*>(bits_);

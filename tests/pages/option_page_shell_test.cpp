@@ -41,8 +41,8 @@ void ExpectAdoptedFrom(HWND page, const std::string& source) {
 
     ASSERT_NE(Shown(page, 1037), nullptr);
     ASSERT_NE(Shown(page, 1038), nullptr);
-    EXPECT_EQ(RenderedIcon(Shown(page, 1037), 32, kBackground), RenderedIcon(pairLarge.get(), 32, kBackground));
-    EXPECT_EQ(RenderedIcon(Shown(page, 1038), 16, kBackground), RenderedIcon(ownedSmall.get(), 16, kBackground));
+    EXPECT_EQ(RenderedIcon(Shown(page, 1037), 32, kBackground), RenderedIcon(pairLarge.Get(), 32, kBackground));
+    EXPECT_EQ(RenderedIcon(Shown(page, 1038), 16, kBackground), RenderedIcon(ownedSmall.Get(), 16, kBackground));
 }
 
 // The file's icon block decoded, drawn as the page showed it.
@@ -51,8 +51,8 @@ void ExpectWrittenAsShown(HWND page, const std::string& file) {
     ASSERT_EQ(back.Read(file.c_str()), 0);
     ASSERT_TRUE(back.icon);
     ASSERT_TRUE(back.smallIcon);
-    EXPECT_EQ(RenderedIcon(back.icon.get(), 32, kBackground), RenderedIcon(Shown(page, 1037), 32, kBackground));
-    EXPECT_EQ(RenderedIcon(back.smallIcon.get(), 16, kBackground), RenderedIcon(Shown(page, 1038), 16, kBackground));
+    EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, kBackground), RenderedIcon(Shown(page, 1037), 32, kBackground));
+    EXPECT_EQ(RenderedIcon(back.smallIcon.Get(), 16, kBackground), RenderedIcon(Shown(page, 1038), 16, kBackground));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ struct WrittenIcons {
 WrittenIcons ReadBack(const std::string& file) {
     VQCFileInfo back(file.c_str());
     back.Read(file.c_str());
-    return {UniqueIcon(back.icon.release()), UniqueIcon(back.smallIcon.release())};
+    return {UniqueIcon(back.icon.Detach()), UniqueIcon(back.smallIcon.Detach())};
 }
 
 }  // namespace
@@ -70,7 +70,7 @@ TEST_P(ShellIconSizeOnThePage, SetsTheIconSizeAndTheItemHeight) {
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
     ASSERT_NE(sheet.window(), nullptr);
-    EXPECT_EQ(sheet.page()->IconSize(), c.iconSize);
+    EXPECT_EQ(sheet.page()->IconSizeForTesting(), c.iconSize);
     ASSERT_GT(sheet.ListCount(), 0);
     EXPECT_EQ(SendMessageA(sheet.list(), LB_GETITEMHEIGHT, 0, 0), c.iconSize * 3 / 2);
 }
@@ -96,7 +96,7 @@ TEST(OptionPage, WithoutTheSettingTheIconSizeIs32AndItemsAre48) {
     TempFolder folder("option-no-setting");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(sheet.page()->IconSize(), 32);
+    EXPECT_EQ(sheet.page()->IconSizeForTesting(), 32);
     EXPECT_EQ(SendMessageA(sheet.list(), LB_GETITEMHEIGHT, 0, 0), 48);
 }
 
@@ -106,7 +106,7 @@ TEST(OptionPage, ListHoldsEveryIconOfTheClientWhoseTwoSizesExtractInFileOrder) {
     TempFolder folder("option-list");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(sheet.page()->IconFile(), IconsDll());
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), IconsDll());
     ASSERT_EQ(sheet.ListCount(), 5);
     for (int i = 0; i < 5; ++i) {
         EXPECT_EQ(IconWidth(sheet.ListIcon(i)), GetSystemMetrics(SM_CXICON)) << i;
@@ -126,7 +126,7 @@ TEST(OptionPage, IconWhosePairExtractionGivesNoSmallImageIsNotListed) {
     const ComPtr<VQCFileInfo> record = ClientRecord(folder, IconFile("broken_large"));
     OptionSheet sheet(record.Get());
     EXPECT_EQ(sheet.ListCount(), 0);
-    EXPECT_EQ(record->icon.get(), nullptr);
+    EXPECT_EQ(record->icon.Get(), nullptr);
 }
 
 TEST(OptionPage, LabelNamesTheSourceFileWithoutItsFolders) {
@@ -139,17 +139,17 @@ TEST(OptionPage, LabelNamesTheSourceFileWithoutItsFolders) {
 TEST(OptionPage, RecordWithoutIconAdoptsTheClientsFirstIconUntold) {
     TempFolder folder("option-adopt");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
-    ASSERT_EQ(record->icon.get(), nullptr);
+    ASSERT_EQ(record->icon.Get(), nullptr);
     OptionSheet sheet(record.Get());
     ASSERT_TRUE(record->icon);
     ASSERT_TRUE(record->smallIcon);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kFourBitLarge);
-    EXPECT_EQ(SignatureOf(record->smallIcon.get()), signature::kFourBitSmall);
-    EXPECT_EQ(IconWidth(record->smallIcon.get()), GetSystemMetrics(SM_CXSMICON));
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kFourBitLarge);
+    EXPECT_EQ(SignatureOf(record->smallIcon.Get()), signature::kFourBitSmall);
+    EXPECT_EQ(IconWidth(record->smallIcon.Get()), GetSystemMetrics(SM_CXSMICON));
     // A copy of the listed icon, not the list's own.
-    EXPECT_NE(record->icon.get(), sheet.ListIcon(0));
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), record->icon.get());
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), record->smallIcon.get());
+    EXPECT_NE(record->icon.Get(), sheet.ListIcon(0));
+    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), record->icon.Get());
+    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), record->smallIcon.Get());
     EXPECT_FALSE(sheet.ApplyEnabled());
     EXPECT_EQ(record->modified, 0);
 }
@@ -164,21 +164,21 @@ TEST(OptionPage, ApplyWritesTheAdoptedIconIntoTheFile) {
     const WrittenIcons back = ReadBack(record->filePath);
     ASSERT_TRUE(back.icon);
     ASSERT_TRUE(back.smallIcon);
-    EXPECT_EQ(IconWidth(back.icon.get()), 32);
-    EXPECT_EQ(RenderedIcon(back.icon.get(), 32, RGB(0, 128, 255)), RenderedIcon(record->icon.get(), 32, RGB(0, 128, 255)));
-    EXPECT_EQ(RenderedIcon(back.smallIcon.get(), 16, RGB(0, 128, 255)),
-              RenderedIcon(record->smallIcon.get(), 16, RGB(0, 128, 255)));
-    EXPECT_EQ(SignatureOf(back.icon.get()), signature::kFourBitLarge);
+    EXPECT_EQ(IconWidth(back.icon.Get()), 32);
+    EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, RGB(0, 128, 255)), RenderedIcon(record->icon.Get(), 32, RGB(0, 128, 255)));
+    EXPECT_EQ(RenderedIcon(back.smallIcon.Get(), 16, RGB(0, 128, 255)),
+              RenderedIcon(record->smallIcon.Get(), 16, RGB(0, 128, 255)));
+    EXPECT_EQ(SignatureOf(back.icon.Get()), signature::kFourBitLarge);
 }
 
 TEST(OptionPage, RecordWithAnIconKeepsIt) {
     TempFolder folder("option-keep");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     record->SetIcons(MakeTestIcon(32, 8), MakeTestIcon(16, 8));
-    const HICON icon = record->icon.get(), small = record->smallIcon.get();
+    const HICON icon = record->icon.Get(), small = record->smallIcon.Get();
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(record->icon.get(), icon);
-    EXPECT_EQ(record->smallIcon.get(), small);
+    EXPECT_EQ(record->icon.Get(), icon);
+    EXPECT_EQ(record->smallIcon.Get(), small);
     EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), icon);
     EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), small);
     EXPECT_EQ(sheet.ListCount(), 5);
@@ -192,10 +192,10 @@ TEST(OptionPage, WithoutAClientTheSourceIsThisModulesOwnFile) {
     OptionSheet sheet(record.Get());
     char self[MAX_PATH + 1] = {};
     GetModuleFileNameA(nullptr, self, sizeof(self));
-    EXPECT_EQ(sheet.page()->IconFile(), self);
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), self);
     EXPECT_EQ(sheet.ListCount(), 0);
-    EXPECT_EQ(record->icon.get(), nullptr);
-    EXPECT_EQ(record->smallIcon.get(), nullptr);
+    EXPECT_EQ(record->icon.Get(), nullptr);
+    EXPECT_EQ(record->smallIcon.Get(), nullptr);
     EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), nullptr);
 }
 
@@ -205,11 +205,11 @@ TEST(OptionPage, SourceWithoutIconsLeavesTheSmallIconOfTheRecord) {
     TempFolder folder("option-small-only");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder, folder.File("missing.dll"));
     record->SetIcons(nullptr, MakeTestIcon(16, 4));
-    const HICON small = record->smallIcon.get();
+    const HICON small = record->smallIcon.Get();
     OptionSheet sheet(record.Get());
     EXPECT_EQ(sheet.ListCount(), 0);
-    EXPECT_EQ(record->icon.get(), nullptr);
-    EXPECT_EQ(record->smallIcon.get(), small);
+    EXPECT_EQ(record->icon.Get(), nullptr);
+    EXPECT_EQ(record->smallIcon.Get(), small);
     EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), small);
 }
 
@@ -221,10 +221,10 @@ TEST(OptionPage, PickingAnIconChangesTheRecordAndEnablesApply) {
     OptionSheet sheet(record.Get());
     ASSERT_FALSE(sheet.ApplyEnabled());
     sheet.ClickItem(2);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kTrueColourLarge);
-    EXPECT_NE(record->icon.get(), sheet.ListIcon(2));
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), record->icon.get());
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), record->smallIcon.get());
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kTrueColourLarge);
+    EXPECT_NE(record->icon.Get(), sheet.ListIcon(2));
+    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), record->icon.Get());
+    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), record->smallIcon.Get());
     EXPECT_TRUE(sheet.ApplyEnabled());
     EXPECT_EQ(record->modified, 0);
 }
@@ -236,10 +236,10 @@ TEST(OptionPage, SmallIconComesFromTheFilesIconOfTheListIndex) {
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
     sheet.ClickItem(2);
-    EXPECT_EQ(SignatureOf(record->smallIcon.get()), signature::kBrokenLargeSmall);
+    EXPECT_EQ(SignatureOf(record->smallIcon.Get()), signature::kBrokenLargeSmall);
     sheet.ClickItem(0);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kFourBitLarge);
-    EXPECT_EQ(SignatureOf(record->smallIcon.get()), signature::kFourBitSmall);
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kFourBitLarge);
+    EXPECT_EQ(SignatureOf(record->smallIcon.Get()), signature::kFourBitSmall);
 }
 
 TEST(OptionPage, SmallIconThatCannotBeExtractedKeepsTheOldOne) {
@@ -248,10 +248,10 @@ TEST(OptionPage, SmallIconThatCannotBeExtractedKeepsTheOldOne) {
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
     sheet.ClickItem(2);
-    const HICON small = record->smallIcon.get();
+    const HICON small = record->smallIcon.Get();
     sheet.ClickItem(4);
-    EXPECT_EQ(SignatureOf(record->icon.get()), signature::kLarge48Large);
-    EXPECT_EQ(record->smallIcon.get(), small);
+    EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kLarge48Large);
+    EXPECT_EQ(record->smallIcon.Get(), small);
     EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), small);
 }
 
@@ -259,10 +259,10 @@ TEST(OptionPage, SelectionChangeToNothingChangesNothing) {
     TempFolder folder("option-pick-none");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    const HICON icon = record->icon.get();
+    const HICON icon = record->icon.Get();
     sheet.ClickItem(-1);
     EXPECT_EQ(SendMessageA(sheet.list(), LB_GETCURSEL, 0, 0), LB_ERR);
-    EXPECT_EQ(record->icon.get(), icon);
+    EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_FALSE(sheet.ApplyEnabled());
 }
 
@@ -272,22 +272,22 @@ TEST(OptionPage, BlackAndWhiteIconPickedAndAppliedReadsBackTheSame) {
     OptionSheet sheet(record.Get());
     sheet.ClickItem(1);
     ICONINFO info{};
-    ASSERT_TRUE(GetIconInfo(record->icon.get(), &info));
+    ASSERT_TRUE(GetIconInfo(record->icon.Get(), &info));
     const UniqueGdiObject colour(info.hbmColor), mask(info.hbmMask);
     EXPECT_EQ(info.hbmColor, nullptr);  // a real black-and-white icon
     ASSERT_TRUE(page_test::Apply(sheet.sheet()));
     const WrittenIcons back = ReadBack(record->filePath);
     ASSERT_TRUE(back.icon);
     ASSERT_TRUE(back.smallIcon);
-    EXPECT_EQ(IconSize(back.icon.get()).cx, 32);
-    EXPECT_EQ(IconSize(back.icon.get()).cy, 32);
+    EXPECT_EQ(IconSize(back.icon.Get()).cx, 32);
+    EXPECT_EQ(IconSize(back.icon.Get()).cy, 32);
     for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
-        EXPECT_EQ(RenderedIcon(back.icon.get(), 32, background), RenderedIcon(record->icon.get(), 32, background));
-        EXPECT_EQ(RenderedIcon(back.smallIcon.get(), 16, background),
-                  RenderedIcon(record->smallIcon.get(), 16, background));
+        EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, background), RenderedIcon(record->icon.Get(), 32, background));
+        EXPECT_EQ(RenderedIcon(back.smallIcon.Get(), 16, background),
+                  RenderedIcon(record->smallIcon.Get(), 16, background));
     }
-    EXPECT_EQ(RenderedIcon(back.icon.get(), 32, 0, DI_MASK), RenderedIcon(record->icon.get(), 32, 0, DI_MASK));
-    EXPECT_EQ(SignatureOf(back.icon.get()), signature::kWhite);
+    EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, 0, DI_MASK), RenderedIcon(record->icon.Get(), 32, 0, DI_MASK));
+    EXPECT_EQ(SignatureOf(back.icon.Get()), signature::kWhite);
 }
 
 TEST(OptionPage, FourBitIconPickedAndAppliedReadsBackTheSame) {
@@ -299,15 +299,15 @@ TEST(OptionPage, FourBitIconPickedAndAppliedReadsBackTheSame) {
     ASSERT_TRUE(page_test::Apply(sheet.sheet()));
     const WrittenIcons back = ReadBack(record->filePath);
     ASSERT_TRUE(back.icon);
-    EXPECT_EQ(IconSize(back.icon.get()).cx, 32);
+    EXPECT_EQ(IconSize(back.icon.Get()).cx, 32);
     for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
-        EXPECT_EQ(RenderedIcon(back.icon.get(), 32, background), RenderedIcon(record->icon.get(), 32, background));
-        EXPECT_EQ(RenderedIcon(back.smallIcon.get(), 16, background),
-                  RenderedIcon(record->smallIcon.get(), 16, background));
+        EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, background), RenderedIcon(record->icon.Get(), 32, background));
+        EXPECT_EQ(RenderedIcon(back.smallIcon.Get(), 16, background),
+                  RenderedIcon(record->smallIcon.Get(), 16, background));
     }
-    EXPECT_EQ(RenderedIcon(back.icon.get(), 32, 0, DI_MASK), RenderedIcon(record->icon.get(), 32, 0, DI_MASK));
-    EXPECT_EQ(SignatureOf(back.icon.get()), signature::kFourBitLarge);
-    EXPECT_EQ(SignatureOf(back.smallIcon.get()), signature::kFourBitSmall);
+    EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, 0, DI_MASK), RenderedIcon(record->icon.Get(), 32, 0, DI_MASK));
+    EXPECT_EQ(SignatureOf(back.icon.Get()), signature::kFourBitLarge);
+    EXPECT_EQ(SignatureOf(back.smallIcon.Get()), signature::kFourBitSmall);
 }
 
 // ---- Dynamic screen sizing ----------------------------------------------------------------
@@ -345,7 +345,7 @@ TEST(OptionPage, WithoutARecordTheControlsStayEmptyAndNothingReacts) {
     ASSERT_NE(sheet.window(), nullptr);
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_EQ(sheet.Label(), "");
-    EXPECT_EQ(sheet.page()->IconFile(), "");
+    EXPECT_EQ(sheet.page()->IconFileForTesting(), "");
     sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
     sheet.ClickItem(0);
     EXPECT_FALSE(sheet.ApplyEnabled());
@@ -362,7 +362,7 @@ TEST(OptionPage, ClosingThePageDestroysTheListedIcons) {
     {
         OptionSheet sheet(record.Get());
         for (int i = 0; i < sheet.ListCount(); ++i) listed.push_back(sheet.ListIcon(i));
-        adopted = record->icon.get();
+        adopted = record->icon.Get();
     }
     ASSERT_EQ(listed.size(), 5u);
     for (HICON icon : listed) EXPECT_EQ(IconWidth(icon), 0) << "still alive";

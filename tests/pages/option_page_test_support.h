@@ -128,9 +128,9 @@ inline std::vector<std::uint32_t> WindowPixels(HWND window, const RECT& area) {
     if (!section || !bits || width <= 0 || height <= 0) return pixels;
     {
         const WindowDC source(window);
-        const UniqueMemoryDC copy(CreateCompatibleDC(source.get()));
-        const SelectedObject selected(copy.get(), section.get());
-        BitBlt(copy.get(), 0, 0, width, height, source.get(), area.left, area.top, SRCCOPY);
+        const UniqueMemoryDC copy(CreateCompatibleDC(source.Get()));
+        const SelectedObject selected(copy.Get(), section.Get());
+        BitBlt(copy.Get(), 0, 0, width, height, source.Get(), area.left, area.top, SRCCOPY);
         GdiFlush();
     }
     const auto* p = static_cast<const std::uint32_t*>(bits);

@@ -1,7 +1,7 @@
 // The owner-draw router on real pages: the four messages and their reflected forms reach
 // the page's hooks, the defaults answer what a page leaves alone, and a page that did not
 // opt in never sees them.
-#include "pages/owner_draw_router.h"
+#include "ui/owner_draw_router.h"
 
 #include <gtest/gtest.h>
 
@@ -132,7 +132,7 @@ TEST(OwnerDrawRouter, CompareAndDeleteKeepTheDefaults) {
     }
 }
 
-TEST(OwnerDrawRouter, DefaultMeasureGivesALineOfTheControlsFontOrAMenuBar) {
+TEST(OwnerDrawRouter, DefaultMeasureGivesALineOfTheControlsFont) {
     DirectSheet sheet;
     auto* page = sheet.Add<DefaultHooksPage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
@@ -150,12 +150,6 @@ TEST(OwnerDrawRouter, DefaultMeasureGivesALineOfTheControlsFontOrAMenuBar) {
     measure.itemHeight = 0xdead;
     EXPECT_EQ(SendMessageA(page->Window(), WM_MEASUREITEM, 1041, reinterpret_cast<LPARAM>(&measure)), TRUE);
     EXPECT_EQ(measure.itemHeight, static_cast<UINT>(metrics.tmHeight));
-
-    MEASUREITEMSTRUCT menu{};
-    menu.CtlType = ODT_MENU;
-    menu.itemHeight = 0xdead;
-    EXPECT_EQ(SendMessageA(page->Window(), WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&menu)), TRUE);
-    EXPECT_EQ(menu.itemHeight, static_cast<UINT>(GetSystemMetrics(SM_CYMENU)));
 }
 
 TEST(OwnerDrawRouter, PagesThatDidNotOptInLeaveTheMessagesAlone) {

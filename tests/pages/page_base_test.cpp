@@ -53,7 +53,6 @@ public:
     using CVQCPropertyPageImpl::ControlText;
     using CVQCPropertyPageImpl::OnSheetNotification;
     using CVQCPropertyPageImpl::SendChanged;
-    using CVQCPropertyPageImpl::Trim;
 
     static constexpr UINT kHandledMessage = WM_APP + 1;
     static inline int alive = 0;
@@ -83,7 +82,7 @@ public:
         : window_(CreateWindowExA(0, "static", "foreign", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr,
                                   nullptr)) {}
     ~ForeignWindow() { DestroyWindow(window_); }
-    HWND get() const { return window_; }
+    HWND Get() const { return window_; }
 
 private:
     HWND window_;
@@ -118,13 +117,13 @@ TEST(PageDescription, IsFilledAsTheSheetExpectsIt) {
     const PROPSHEETPAGEA& d = page->Description();
     EXPECT_EQ(d.dwSize, 104u);
     EXPECT_EQ(d.dwFlags, static_cast<DWORD>(PSP_DLGINDIRECT | PSP_USECALLBACK | PSP_USEREFPARENT | PSP_USETITLE));
-    EXPECT_EQ(d.hInstance, TheModule().instance);
-    EXPECT_EQ(d.pResource, page->Template());
+    EXPECT_EQ(d.hInstance, TheModuleRuntime().Instance());
+    EXPECT_EQ(d.pResource, page->TemplateForTesting());
     EXPECT_STREQ(d.pszTitle, "Connection");
     EXPECT_EQ(d.pfnDlgProc, &CVQCConnectionPage::StartDialogProc);
     EXPECT_EQ(d.pfnCallback, &CVQCConnectionPage::PageCallback);
     EXPECT_EQ(d.lParam, reinterpret_cast<LPARAM>(page));
-    EXPECT_EQ(d.pcRefParent, TheModule().LockCountAddress());
+    EXPECT_EQ(d.pcRefParent, TheModuleRuntime().LockCountAddress());
     // The bytes after PROPSHEETPAGEA (the header bitmap) are zero.
     const auto* bytes = reinterpret_cast<const unsigned char*>(&d);
     for (std::size_t i = sizeof(PROPSHEETPAGEA); i < 104; ++i) EXPECT_EQ(bytes[i], 0) << i;
@@ -134,10 +133,11 @@ TEST(PageDescription, IsFilledAsTheSheetExpectsIt) {
 TEST(PageDescription, ReferenceParentIsTheModulesLockCount) {
     // The sheet counts held pages in it, which keeps the DLL loaded while a page exists.
     auto* page = new CVQCOptionPage(nullptr, nullptr);
-    const LONG before = TheModule().GetLockCount();
+    auto* lockCount = reinterpret_cast<volatile LONG*>(TheModuleRuntime().LockCountAddress());
+    const LONG before = *lockCount;
     InterlockedIncrement(reinterpret_cast<volatile LONG*>(page->Description().pcRefParent));
-    EXPECT_EQ(TheModule().GetLockCount(), before + 1);
-    TheModule().Unlock();
+    EXPECT_EQ(*lockCount, before + 1);
+    InterlockedDecrement(lockCount);
     delete page;
 }
 
@@ -153,12 +153,12 @@ TEST(PageDescription, EachPageBuildsItsOwnTemplate) {
     auto* proxy = new CVQCProxyPage(nullptr, nullptr);
     auto* options = new CVQCOptionPage(nullptr, nullptr);
     auto* second = new CVQCConnectionPage(nullptr, nullptr);
-    EXPECT_EQ(connection->Template()->cdit, 24);
-    EXPECT_EQ(proxy->Template()->cdit, 12);
-    EXPECT_EQ(options->Template()->cdit, 7);
-    EXPECT_EQ(connection->Template()->cy, 176);
-    EXPECT_EQ(proxy->Template()->cy, 196);
-    EXPECT_NE(connection->Template(), second->Template());
+    EXPECT_EQ(connection->TemplateForTesting()->cdit, 24);
+    EXPECT_EQ(proxy->TemplateForTesting()->cdit, 12);
+    EXPECT_EQ(options->TemplateForTesting()->cdit, 7);
+    EXPECT_EQ(connection->TemplateForTesting()->cy, 176);
+    EXPECT_EQ(proxy->TemplateForTesting()->cy, 196);
+    EXPECT_NE(connection->TemplateForTesting(), second->TemplateForTesting());
     for (auto* page : {connection, second}) delete page;
     delete proxy;
     delete options;
@@ -216,13 +216,13 @@ TEST(PageLifetime, HandleDestroyedBeforeAnySheetDeletesThePage) {
 }
 
 TEST(PageLifetime, PageDeletedWhileWaitingForItsWindowLeavesTheCreationList) {
-    const int before = TheModule().WindowCreation().Count();
+    const int before = TheModuleRuntime().WindowCreation().Count();
     auto* page = new ProbePage(nullptr, nullptr);
     PROPSHEETPAGEA copy = page->Description();
     EXPECT_EQ(ProbePage::PageCallback(nullptr, PSPCB_CREATE, &copy), TRUE);
-    EXPECT_EQ(TheModule().WindowCreation().Count(), before + 1);
+    EXPECT_EQ(TheModuleRuntime().WindowCreation().Count(), before + 1);
     delete page;
-    EXPECT_EQ(TheModule().WindowCreation().Count(), before);
+    EXPECT_EQ(TheModuleRuntime().WindowCreation().Count(), before);
 }
 
 TEST(PageLifetime, AddRefCallbackChangesNothing) {
@@ -269,7 +269,7 @@ TEST(PageBinding, TwoSheetsOneAfterTheOtherBindTheirOwnObjects) {
     EXPECT_FALSE(IsSameWindow(firstPage->Window(), secondPage->Window()));
     EXPECT_EQ(firstPage->initDialogs, 1);
     EXPECT_EQ(secondPage->initDialogs, 1);
-    EXPECT_EQ(TheModule().WindowCreation().Count(), 0);
+    EXPECT_EQ(TheModuleRuntime().WindowCreation().Count(), 0);
 }
 
 namespace {
@@ -326,7 +326,7 @@ TEST(PageBinding, ObjectWaitingOnOneThreadIsNotTakenByAnotherThreadsWindow) {
     EXPECT_EQ(other.bound, other.page);
     EXPECT_EQ(other.initDialogs, 1);
 
-    const HWND window = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), waiting->Template(), nullptr,
+    const HWND window = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), waiting->TemplateForTesting(), nullptr,
                                                    ProbePage::StartDialogProc, 0);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(ProbePage::FromWindow(window), waiting);
@@ -338,10 +338,10 @@ TEST(PageBinding, ObjectWaitingOnOneThreadIsNotTakenByAnotherThreadsWindow) {
 }
 
 TEST(PageBinding, WindowWithoutAWaitingObjectAnswersNothing) {
-    const int before = TheModule().WindowCreation().Count();
+    const int before = TheModuleRuntime().WindowCreation().Count();
     const DLGTEMPLATE* source = nullptr;
     auto* page = new ProbePage(nullptr, nullptr);
-    source = page->Template();
+    source = page->TemplateForTesting();
     const HWND window =
         CreateDialogIndirectParamA(GetModuleHandleA(nullptr), source, nullptr, ProbePage::StartDialogProc, 0);
     ASSERT_NE(window, nullptr);
@@ -350,14 +350,14 @@ TEST(PageBinding, WindowWithoutAWaitingObjectAnswersNothing) {
     EXPECT_EQ(SendMessageA(window, ProbePage::kHandledMessage, 0, 0), 0);
     DestroyWindow(window);
     delete page;
-    EXPECT_EQ(TheModule().WindowCreation().Count(), before);
+    EXPECT_EQ(TheModuleRuntime().WindowCreation().Count(), before);
 }
 
 TEST(PageBinding, WindowOutlivingItsObjectAnswersNothing) {
     auto* page = new ProbePage(nullptr, nullptr);
     PROPSHEETPAGEA copy = page->Description();
     ASSERT_EQ(ProbePage::PageCallback(nullptr, PSPCB_CREATE, &copy), TRUE);
-    const HWND window = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), page->Template(), nullptr,
+    const HWND window = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), page->TemplateForTesting(), nullptr,
                                                    ProbePage::StartDialogProc, 0);
     ASSERT_NE(window, nullptr);
     ASSERT_EQ(SendMessageA(window, ProbePage::kHandledMessage, 0, 0), 0x1234);
@@ -486,11 +486,11 @@ TEST(PageNotifications, ApplyFromAForeignWindowIsNotHandledAndWritesNothing) {
     ASSERT_NE(sheet.Show(), nullptr);
     ForeignWindow foreign;
     LRESULT result = 0xdeadbeef;
-    NMHDR header{foreign.get(), 0, static_cast<UINT>(PSN_APPLY)};
+    NMHDR header{foreign.Get(), 0, static_cast<UINT>(PSN_APPLY)};
     EXPECT_FALSE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
     EXPECT_EQ(result, static_cast<LRESULT>(0xdeadbeef));
     EXPECT_EQ(ProbePage::PageDialogProc(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), FALSE);
-    EXPECT_EQ(Notify(page->Window(), foreign.get(), PSN_APPLY), 0);
+    EXPECT_EQ(Notify(page->Window(), foreign.Get(), PSN_APPLY), 0);
     EXPECT_EQ(file.Content(), "-h   server.example");
 }
 
@@ -548,7 +548,7 @@ TEST(PageNotifications, SetActiveFromAForeignWindowIsNotHandled) {
     ASSERT_NE(sheet.Show(), nullptr);
     ForeignWindow foreign;
     LRESULT result = 0xdeadbeef;
-    NMHDR header{foreign.get(), 0, static_cast<UINT>(PSN_SETACTIVE)};
+    NMHDR header{foreign.Get(), 0, static_cast<UINT>(PSN_SETACTIVE)};
     EXPECT_FALSE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
 }
 
@@ -608,15 +608,6 @@ TEST(PageHelpers, ControlTextReadsTheWholeText) {
     SetWindowTextA(edit, "");
     EXPECT_EQ(ProbePage::ControlText(edit), "");
     EXPECT_EQ(ProbePage::ControlText(PageControl(page->Window(), 1001)), "Connection &type:");
-}
-
-TEST(PageHelpers, TrimRemovesWhiteSpaceFromBothEnds) {
-    std::string text = " \t server example \r\n";
-    ProbePage::Trim(text);
-    EXPECT_EQ(text, "server example");
-    std::string blank = " \t\v\f";
-    ProbePage::Trim(blank);
-    EXPECT_EQ(blank, "");
 }
 
 TEST(PageHelpers, SendChangedTellsTheSheetWithThePagesWindowAndEnablesApply) {

@@ -122,8 +122,8 @@ TEST(ShellSheetPages, FileTooLargeToReadStillGetsAllThree) {
         ASSERT_TRUE(file);
         LARGE_INTEGER size;
         size.QuadPart = 0x80000000LL;
-        ASSERT_TRUE(SetFilePointerEx(file.get(), size, nullptr, FILE_BEGIN));
-        ASSERT_TRUE(SetEndOfFile(file.get()));
+        ASSERT_TRUE(SetFilePointerEx(file.Get(), size, nullptr, FILE_BEGIN));
+        ASSERT_TRUE(SetEndOfFile(file.Get()));
     }
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_EQ(sheet.CreateObject(), S_OK);

@@ -20,8 +20,8 @@ TEST(RegistrationLog, PredefinedRootsAreNamedDirectly) {
 
 TEST(RegistrationLog, OtherKeysAreNamedInTheirNativeForm) {
     PrivateKey key("native-name");
-    const std::string path = RegistrationLog::GetRegistryKeyPath(key.get());
-    EXPECT_EQ(path, NativeKeyName(key.get()));
+    const std::string path = RegistrationLog::GetRegistryKeyPath(key.Get());
+    EXPECT_EQ(path, NativeKeyName(key.Get()));
     EXPECT_EQ(path.rfind("\\REGISTRY\\User\\", 0), 0u) << path;
     const std::string tail = key.path().substr(key.path().rfind('\\'));
     EXPECT_EQ(path.substr(path.size() - tail.size()), tail);
@@ -68,19 +68,19 @@ TEST(RegistrationLog, VariableNamesTheLogFile) {
 
 TEST(RegistrationLog, FailedDefaultValueBelowAppIdIsLoggedWithItsNativePath) {
     PrivateKey root("value-failure");
-    CreateKey(root.get(), "AppID\\{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}");
+    CreateKey(root.Get(), "AppID\\{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}");
     HKEY readOnly = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(root.get(), "AppID\\{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}", 0, KEY_READ, &readOnly),
+    ASSERT_EQ(RegOpenKeyExA(root.Get(), "AppID\\{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}", 0, KEY_READ, &readOnly),
               ERROR_SUCCESS);
     UniqueRegKey key(readOnly);
     // A real write that the registry refuses: the key is open for reading only.
-    const LONG code = RegSetValueExA(key.get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>("vqcprop"), 8);
+    const LONG code = RegSetValueExA(key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>("vqcprop"), 8);
     ASSERT_NE(code, ERROR_SUCCESS);
 
     RegistrationLog log;
-    log.LogValueSetFailure(key.get(), nullptr, "vqcprop", static_cast<DWORD>(code));
+    log.LogValueSetFailure(key.Get(), nullptr, "vqcprop", static_cast<DWORD>(code));
     ASSERT_EQ(log.Messages().size(), 1u);
-    const std::string native = NativeKeyName(key.get());
+    const std::string native = NativeKeyName(key.Get());
     EXPECT_EQ(log.Messages()[0], "Failed to set registry value " + native + "\\(Default) to \"vqcprop\" Error " +
                                      std::to_string(code) + " " + SystemErrorText(static_cast<DWORD>(code)));
     EXPECT_NE(native.find("\\AppID\\{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}"), std::string::npos) << native;

@@ -34,16 +34,16 @@ public:
         HKEY key = nullptr;
         RegCreateKeyExA(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key,
                         nullptr);
-        key_.reset(key);
+        key_.Reset(key);
     }
     ~PrivateKey() {
-        key_.reset();
+        key_.Reset();
         RemoveTree(HKEY_CURRENT_USER, path_);
     }
     PrivateKey(const PrivateKey&) = delete;
     PrivateKey& operator=(const PrivateKey&) = delete;
 
-    HKEY get() const { return key_.get(); }
+    HKEY Get() const { return key_.Get(); }
     const std::string& path() const { return path_; }
 
 private:
@@ -56,13 +56,13 @@ class PrivateClassesRoot {
 public:
     explicit PrivateClassesRoot(const std::string& tag, DWORD options = REG_OPTION_NON_VOLATILE)
         : key_(tag, options) {
-        RegOverridePredefKey(HKEY_CLASSES_ROOT, key_.get());
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, key_.Get());
     }
     ~PrivateClassesRoot() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
     PrivateClassesRoot(const PrivateClassesRoot&) = delete;
     PrivateClassesRoot& operator=(const PrivateClassesRoot&) = delete;
 
-    HKEY get() const { return key_.get(); }
+    HKEY Get() const { return key_.Get(); }
     const std::string& path() const { return key_.path(); }
 
 private:
@@ -74,13 +74,13 @@ private:
 class PrivateCurrentUser {
 public:
     explicit PrivateCurrentUser(const std::string& tag) : key_(tag) {
-        RegOverridePredefKey(HKEY_CURRENT_USER, key_.get());
+        RegOverridePredefKey(HKEY_CURRENT_USER, key_.Get());
     }
     ~PrivateCurrentUser() { RegOverridePredefKey(HKEY_CURRENT_USER, nullptr); }
     PrivateCurrentUser(const PrivateCurrentUser&) = delete;
     PrivateCurrentUser& operator=(const PrivateCurrentUser&) = delete;
 
-    HKEY get() const { return key_.get(); }
+    HKEY Get() const { return key_.Get(); }
 
 private:
     PrivateKey key_;

@@ -196,14 +196,14 @@ INT_PTR CALLBACK EndAtOnceProc(HWND dialog, UINT message, WPARAM, LPARAM initPar
 
 TEST(DialogBuilder, ModalFlagRunsTheDialogAndReturnsItsResult) {
     TestOwnerWindow owner;
-    EXPECT_EQ(CreateTableDialog(GetModuleHandleW(nullptr), 1, owner.get(), EndAtOnceProc, 42, 0, nullptr,
+    EXPECT_EQ(CreateTableDialog(GetModuleHandleW(nullptr), 1, owner.Get(), EndAtOnceProc, 42, 0, nullptr,
                                 0x10),
               42);
 }
 
 TEST(DialogBuilder, WithoutFlagsTheDialogIsModeless) {
     TestOwnerWindow owner;
-    const INT_PTR result = CreateTableDialog(GetModuleHandleW(nullptr), 2, owner.get(), QuietDialogProc, 0,
+    const INT_PTR result = CreateTableDialog(GetModuleHandleW(nullptr), 2, owner.Get(), QuietDialogProc, 0,
                                              0, nullptr, 0);
     const HWND dialog = reinterpret_cast<HWND>(result);
     ASSERT_TRUE(IsWindow(dialog));

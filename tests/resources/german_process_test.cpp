@@ -26,7 +26,7 @@ TEST(GermanProcess, FilterListKeepsItsTrailingBlank) {
 TEST(GermanProcess, BrowseButtonIsNinetyDialogUnitsWide) {
     TestOwnerWindow owner;
     const HWND dialog = reinterpret_cast<HWND>(
-        CreateTableDialog(GetModuleHandleW(nullptr), 3, owner.get(), QuietDialogProc, 0, 0, nullptr, 0));
+        CreateTableDialog(GetModuleHandleW(nullptr), 3, owner.Get(), QuietDialogProc, 0, 0, nullptr, 0));
     ASSERT_NE(dialog, nullptr);
     RECT ninety{0, 0, 90, 14};
     MapDialogRect(dialog, &ninety);

@@ -78,7 +78,7 @@ TEST(VQC_LOCALE_SUITE, ConnectionDetailsIsARealDialogMatchingItsTable) {
 TEST(VQC_LOCALE_SUITE, BrowseButtonWidthIsTheLanguagesOwn) {
     TestOwnerWindow owner;
     const HWND dialog = reinterpret_cast<HWND>(
-        CreateTableDialog(GetModuleHandleW(nullptr), 3, owner.get(), QuietDialogProc, 0, 0, nullptr, 0));
+        CreateTableDialog(GetModuleHandleW(nullptr), 3, owner.Get(), QuietDialogProc, 0, 0, nullptr, 0));
     ASSERT_NE(dialog, nullptr);
     RECT want{0, 0, VQC_EXPECTED_LANGUAGE == 2 ? 90 : 62, 14};
     MapDialogRect(dialog, &want);

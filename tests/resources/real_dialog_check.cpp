@@ -111,12 +111,12 @@ RECT PixelsOf(HWND dialog, int x, int y, int cx, int cy) {
 void ExpectRealDialogMatchesTable(int index, int language) {
     const expected::Dialog& want = expected::kDialogs[index - 1];
     TestOwnerWindow owner;
-    ASSERT_NE(owner.get(), nullptr);
+    ASSERT_NE(owner.Get(), nullptr);
     std::vector<Creation> creations;
     g_creations = &creations;
     const HHOOK hook = SetWindowsHookExW(WH_CBT, RecordCreation, nullptr, GetCurrentThreadId());
     const HWND dialog = reinterpret_cast<HWND>(CreateTableDialog(
-        GetModuleHandleW(nullptr), index, owner.get(), QuietDialogProc, 0, 0, nullptr, 0));
+        GetModuleHandleW(nullptr), index, owner.Get(), QuietDialogProc, 0, 0, nullptr, 0));
     UnhookWindowsHookEx(hook);
     g_creations = nullptr;
     ASSERT_NE(hook, nullptr);

@@ -16,7 +16,7 @@ public:
     ~TestOwnerWindow();
     TestOwnerWindow(const TestOwnerWindow&) = delete;
     TestOwnerWindow& operator=(const TestOwnerWindow&) = delete;
-    HWND get() const { return window_; }
+    HWND Get() const { return window_; }
 
 private:
     HWND window_;

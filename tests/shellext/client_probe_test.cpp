@@ -15,12 +15,12 @@ class ExtensionFolder {
 public:
     explicit ExtensionFolder(const std::string& tag) : folder_(tag) {
         copied_ = CopyInto(DllPath(), folder_.File("vqcprop64.dll"));
-        module_.reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
+        module_.Reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
     }
-    ~ExtensionFolder() { module_.reset(); }
+    ~ExtensionFolder() { module_.Reset(); }
 
     bool Ready() const { return copied_ && module_; }
-    HMODULE module() const { return module_.get(); }
+    HMODULE module() const { return module_.Get(); }
     std::string File(const std::string& name) const { return folder_.File(name); }
     void Place(const std::string& fixture, const std::string& name) const {
         ASSERT_TRUE(CopyInto(FixturePath(fixture), File(name))) << fixture;

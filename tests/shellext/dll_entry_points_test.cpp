@@ -120,7 +120,7 @@ TEST(DllEntryPoints, ObjectAnswersTheClassIdAsAnInterface) {
 
 TEST(DllFailureLog, ProtectedClassKeyIsLoggedWhenTheDllUnloads) {
     PrivateClassesRoot root("dll-log");
-    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     LoadedDll dll("dll-log");
     ASSERT_NE(dll.module(), nullptr);
     const std::string logFile = dll.folder().File("registration.log");
@@ -132,7 +132,7 @@ TEST(DllFailureLog, ProtectedClassKeyIsLoggedWhenTheDllUnloads) {
     dll.Unload();
 
     const std::string log = ReadFileBytes(logFile);
-    const std::string prefix = "Failed to create registry key " + NativeKeyName(root.get(), "CLSID") +
+    const std::string prefix = "Failed to create registry key " + NativeKeyName(root.Get(), "CLSID") +
                                "\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21} Error ";
     ASSERT_EQ(log.substr(0, prefix.size()), prefix) << log;
     // The error is the thread's last-error value at the failure; its text is the system's.
@@ -166,7 +166,7 @@ TEST(DllFailureLog, TwoFailedRegistrationsGiveTwoLinesAndNoFinalLineFeed) {
 
 TEST(DllFailureLog, UnsetVariableCreatesNoFileEvenWhenWritesFail) {
     PrivateClassesRoot root("dll-log-unset");
-    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     SetEnvironmentVariableA(kVariable, nullptr);
     LoadedDll dll("dll-log-unset");
     ASSERT_NE(dll.module(), nullptr);
@@ -195,7 +195,7 @@ TEST(DllFailureLog, SuccessfulRegistrationLeavesAnExistingLogUntouched) {
     EXPECT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), S_OK);
     dll.Unload();
     EXPECT_EQ(ReadFileBytes(logFile), "from an earlier run");
-    EXPECT_TRUE(KeyExists(root.get(), "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32"));
+    EXPECT_TRUE(KeyExists(root.Get(), "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32"));
 }
 
 TEST(DllRegistration, RenamedDllNamesItsAppIdKeyAfterItself) {
@@ -203,14 +203,14 @@ TEST(DllRegistration, RenamedDllNamesItsAppIdKeyAfterItself) {
     LoadedDll dll("renamed", "renamed-extension.dll");
     ASSERT_NE(dll.module(), nullptr);
     ASSERT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), S_OK);
-    EXPECT_EQ(ReadValue(root.get(), "AppID\\renamed-extension.dll", "AppID").Text(),
+    EXPECT_EQ(ReadValue(root.Get(), "AppID\\renamed-extension.dll", "AppID").Text(),
               "{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}");
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\vqcprop64.dll"));
-    EXPECT_EQ(_stricmp(ReadValue(root.get(), "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32", nullptr)
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\vqcprop64.dll"));
+    EXPECT_EQ(_stricmp(ReadValue(root.Get(), "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32", nullptr)
                            .Text()
                            .c_str(),
                        dll.path().c_str()),
               0);
     ASSERT_EQ(dll.Export<RegisterServer>("DllUnregisterServer")(), S_OK);
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\renamed-extension.dll"));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\renamed-extension.dll"));
 }

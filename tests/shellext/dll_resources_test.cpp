@@ -40,7 +40,7 @@ BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR names) {
 class DllAsData : public ::testing::Test {
 protected:
     void SetUp() override {
-        module_.reset(LoadLibraryExA(DllPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+        module_.Reset(LoadLibraryExA(DllPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
         ASSERT_TRUE(module_) << DllPath();
     }
     UniqueModule module_;
@@ -50,15 +50,15 @@ protected:
 
 TEST_F(DllAsData, CarriesExactlyOneIconGroupWithId10600) {
     std::vector<ULONG_PTR> names;
-    EnumResourceNamesA(module_.get(), RT_GROUP_ICON, CollectName, reinterpret_cast<LONG_PTR>(&names));
+    EnumResourceNamesA(module_.Get(), RT_GROUP_ICON, CollectName, reinterpret_cast<LONG_PTR>(&names));
     ASSERT_EQ(names.size(), 1u);
     EXPECT_EQ(names[0], 10600u);
 }
 
 TEST_F(DllAsData, IconGroupHoldsA16And32PixelImageAt8Bits) {
-    HRSRC found = FindResourceA(module_.get(), MAKEINTRESOURCEA(10600), RT_GROUP_ICON);
+    HRSRC found = FindResourceA(module_.Get(), MAKEINTRESOURCEA(10600), RT_GROUP_ICON);
     ASSERT_NE(found, nullptr);
-    const auto* header = static_cast<const GroupIconHeader*>(LockResource(LoadResource(module_.get(), found)));
+    const auto* header = static_cast<const GroupIconHeader*>(LockResource(LoadResource(module_.Get(), found)));
     ASSERT_NE(header, nullptr);
     EXPECT_EQ(header->type, 1);
     ASSERT_EQ(header->count, 2);
@@ -69,9 +69,9 @@ TEST_F(DllAsData, IconGroupHoldsA16And32PixelImageAt8Bits) {
         EXPECT_EQ(entries[i].bitsPerPixel, 8);
         sizes.push_back(entries[i].width);
         // The image itself is an 8-bit DIB of that size.
-        HRSRC image = FindResourceA(module_.get(), MAKEINTRESOURCEA(entries[i].id), RT_ICON);
+        HRSRC image = FindResourceA(module_.Get(), MAKEINTRESOURCEA(entries[i].id), RT_ICON);
         ASSERT_NE(image, nullptr);
-        const auto* dib = static_cast<const BITMAPINFOHEADER*>(LockResource(LoadResource(module_.get(), image)));
+        const auto* dib = static_cast<const BITMAPINFOHEADER*>(LockResource(LoadResource(module_.Get(), image)));
         ASSERT_NE(dib, nullptr);
         EXPECT_EQ(dib->biWidth, entries[i].width);
         EXPECT_EQ(dib->biHeight, 2 * entries[i].width);

@@ -15,7 +15,7 @@
 
 #include "tests/pages/sheet_input.h"
 #include "tests/shellext/shellext_test_support.h"
-#include "tools/shell_properties_road.h"
+#include "tests/support/shell_properties_road.h"
 
 using namespace test_support;
 using shell_road::PropertiesOnShellThread;

@@ -397,8 +397,8 @@ TEST(VQCPropIcon, FileWithIconPointsAtItselfWithFlags26) {
     UniqueIcon smallOwner(small);
     // Copies at the sizes the record holds them, not the record's own handles.
     auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
-    EXPECT_NE(large, prop->FileRecord()->icon.get());
-    EXPECT_NE(small, prop->FileRecord()->smallIcon.get());
+    EXPECT_NE(large, prop->FileRecord()->icon.Get());
+    EXPECT_NE(small, prop->FileRecord()->smallIcon.Get());
     EXPECT_EQ(IconSize(large).cx, 48);
     EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
 }
@@ -410,8 +410,8 @@ TEST(VQCPropIcon, ExtractedCopiesShowTheFilesPixelsAndOutliveTheObject) {
     ComPtr<IUnknown> object = NewObject();
     ASSERT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
     auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
-    const Pixels recordLarge = PixelsOf(prop->FileRecord()->icon.get());
-    const Pixels recordSmall = PixelsOf(prop->FileRecord()->smallIcon.get());
+    const Pixels recordLarge = PixelsOf(prop->FileRecord()->icon.Get());
+    const Pixels recordSmall = PixelsOf(prop->FileRecord()->smallIcon.Get());
     HICON large = nullptr;
     HICON small = nullptr;
     ASSERT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_OK);
@@ -476,7 +476,7 @@ TEST(VQCPropIcon, SmallIconAloneIsHandedOverWithSFalse) {
     UniqueIcon smallOwner(small);
     EXPECT_EQ(large, reinterpret_cast<HICON>(0xdeadbeef));
     ASSERT_NE(small, nullptr);
-    EXPECT_NE(small, prop->FileRecord()->smallIcon.get());
+    EXPECT_NE(small, prop->FileRecord()->smallIcon.Get());
     EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
     // Without the large icon the location is the module's own.
     char location[MAX_PATH + 1] = "";

@@ -1,4 +1,4 @@
-#include "pages/resize_layout.h"
+#include "ui/resize_layout.h"
 
 std::size_t ResizeMapLength(const ResizeMapEntry* map) noexcept {
     std::size_t length = 0;

@@ -1,5 +1,5 @@
 // The resize arithmetic: how each flag moves or sizes a control by the client area's growth.
-#include "pages/resize_layout.h"
+#include "ui/resize_layout.h"
 
 #include <gtest/gtest.h>
 

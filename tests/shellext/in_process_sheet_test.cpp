@@ -121,8 +121,8 @@ TEST(InProcessSheet, RecordIsFreedWithTheLastPageEvenWhenProxyAndOptionsWereNeve
     ASSERT_EQ(PageWindow(sheet.sheet(), 2), nullptr);
     VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.sheet(), 0))->Record();
     ASSERT_NE(record, nullptr);
-    const HICON icon = record->icon.get();
-    const HICON smallIcon = record->smallIcon.get();
+    const HICON icon = record->icon.Get();
+    const HICON smallIcon = record->smallIcon.Get();
     ASSERT_NE(icon, nullptr);
     ASSERT_NE(smallIcon, nullptr);
     EXPECT_EQ(record->refCount, 3u);
@@ -222,7 +222,7 @@ TEST(InProcessSheet, NoPageObjectOutlivesTheSheet) {
                                              : CVQCConnectionPage::FromWindow(first)->Record();
         ASSERT_NE(record, nullptr);
         EXPECT_EQ(record->refCount, 2u) << cycle;
-        const HICON icon = record->icon.get();
+        const HICON icon = record->icon.Get();
         sheet.ReleaseObject();
         sheet.Destroy();
         EXPECT_FALSE(IconAlive(icon)) << cycle;

@@ -1,11 +1,11 @@
-#include "pages/icon_list_box.h"
+#include "ui/icon_list_box.h"
 
 bool IconListBox::Add(UniqueIcon icon) noexcept {
     if (!list_ || !IsWindow(list_)) return false;  // a window that is gone answers 0, not LB_ERR
     // Without LBS_HASSTRINGS the "string" of an owner-drawn item is its data.
-    const LRESULT index = SendMessageA(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(icon.get()));
+    const LRESULT index = SendMessageA(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(icon.Get()));
     if (index < 0) return false;  // LB_ERR, LB_ERRSPACE: the icon stays ours and goes
-    icon.release();
+    icon.Detach();
     return true;
 }
 
@@ -27,7 +27,7 @@ void IconListBox::Clear() noexcept {
     if (!list_) return;
     SendMessageA(list_, WM_SETREDRAW, FALSE, 0);
     for (int i = 0; i < count; ++i) {
-        UniqueIcon(IconAt(0)).reset();  // the icon goes first, then its item
+        UniqueIcon(IconAt(0)).Reset();  // the icon goes first, then its item
         SendMessageA(list_, LB_DELETESTRING, 0, 0);
     }
     SendMessageA(list_, WM_SETREDRAW, TRUE, 0);

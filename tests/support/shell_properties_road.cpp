@@ -1,4 +1,4 @@
-#include "tools/shell_properties_road.h"
+#include "tests/support/shell_properties_road.h"
 
 #include <commctrl.h>
 #include <prsht.h>

@@ -1,6 +1,6 @@
 // The list of page windows being created: objects wait per thread, the last one listed for
 // a thread comes out first, and nothing of another thread is ever taken.
-#include "pages/window_creation_list.h"
+#include "runtime/window_creation_list.h"
 
 #include <gtest/gtest.h>
 

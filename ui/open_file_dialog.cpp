@@ -1,8 +1,8 @@
-#include "pages/open_file_dialog.h"
+#include "ui/open_file_dialog.h"
 
 #include <atomic>
 
-#include "shellext/vqcprop_module.h"
+#include "runtime/module_runtime.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ bool KnowsTheFullStructure() noexcept {
 
 }  // namespace
 
-OpenFileDialog::ShowFunction OpenFileDialog::SetShowFunction(ShowFunction show) noexcept {
+OpenFileDialog::ShowFunction OpenFileDialog::SetShowFunctionForTesting(ShowFunction show) noexcept {
     return g_show.exchange(show);
 }
 
@@ -36,7 +36,7 @@ OpenFileDialog::OpenFileDialog(const char* initialFile, DWORD flags, const char*
     if (initialFile) lstrcpynA(file_, initialFile, static_cast<int>(kFileBufferSize));
     settings_.lStructSize = StructureSize();
     settings_.hwndOwner = owner;
-    settings_.hInstance = TheModule().instance;
+    settings_.hInstance = TheModuleRuntime().Instance();
     settings_.lpstrFilter = filter;
     settings_.lpstrFile = file_;
     settings_.nMaxFile = static_cast<DWORD>(kFileBufferSize);

@@ -1,6 +1,6 @@
 // The open-file dialog wrapper: what it hands the system (seen through the replaceable show
 // function), and the real dialog once under Wine, found and cancelled as a user would.
-#include "pages/open_file_dialog.h"
+#include "ui/open_file_dialog.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "resources/local_string_cache.h"
-#include "shellext/vqcprop_module.h"
+#include "runtime/module_runtime.h"
 #include "tests/window_assertions.h"
 
 namespace {
@@ -42,10 +42,10 @@ class RecordingDialog : public ::testing::Test {
 protected:
     void SetUp() override {
         g_recorded = &recorded;
-        previous = OpenFileDialog::SetShowFunction(RecordingShow);
+        previous = OpenFileDialog::SetShowFunctionForTesting(RecordingShow);
     }
     void TearDown() override {
-        OpenFileDialog::SetShowFunction(previous);
+        OpenFileDialog::SetShowFunctionForTesting(previous);
         g_recorded = nullptr;
     }
     Recorded recorded;
@@ -57,7 +57,7 @@ public:
     OwnerWindow()
         : window_(CreateWindowExA(0, "static", "owner", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr)) {}
     ~OwnerWindow() { DestroyWindow(window_); }
-    HWND get() const { return window_; }
+    HWND Get() const { return window_; }
 
 private:
     HWND window_;
@@ -77,21 +77,21 @@ TEST(OpenFileDialogSize, FullStructureFromVersion490On) {
 TEST_F(RecordingDialog, HandsOverTheCallersFlagsPlusExplorerHookAndSizing) {
     OwnerWindow owner;
     OpenFileDialog dialog("C:\\icons\\client.dll", OFN_FILEMUSTEXIST | OFN_HIDEREADONLY, GetLocalString(40),
-                          owner.get());
+                          owner.Get());
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     ASSERT_EQ(recorded.calls, 1);
     const OPENFILENAMEA& s = recorded.settings;
     EXPECT_EQ(s.lStructSize, 152u);
     EXPECT_EQ(s.Flags, static_cast<DWORD>(0x1004 | kAddedFlags));
     EXPECT_EQ(s.Flags, 0x00881024u);
-    EXPECT_TRUE(IsSameWindow(s.hwndOwner, owner.get()));
+    EXPECT_TRUE(IsSameWindow(s.hwndOwner, owner.Get()));
     EXPECT_EQ(s.lpstrDefExt, nullptr);
     EXPECT_NE(s.lpfnHook, nullptr);
     EXPECT_EQ(s.nMaxFile, 260u);
     EXPECT_EQ(s.lpstrCustomFilter, nullptr);
     EXPECT_EQ(s.lpTemplateName, nullptr);
     EXPECT_EQ(recorded.file, "C:\\icons\\client.dll");
-    EXPECT_EQ(s.hInstance, TheModule().instance);
+    EXPECT_EQ(s.hInstance, TheModuleRuntime().Instance());
 }
 
 TEST_F(RecordingDialog, FilterListArrivesWholeWithItsEmbeddedNuls) {
@@ -135,9 +135,9 @@ TEST_F(RecordingDialog, CancelIsAnsweredWithIdCancel) {
 }
 
 TEST(OpenFileDialogShowFunction, NullRestoresTheSystemDialog) {
-    EXPECT_EQ(OpenFileDialog::SetShowFunction(RecordingShow), nullptr);  // the system's
-    EXPECT_EQ(OpenFileDialog::SetShowFunction(nullptr), &RecordingShow);
-    EXPECT_EQ(OpenFileDialog::SetShowFunction(nullptr), nullptr);
+    EXPECT_EQ(OpenFileDialog::SetShowFunctionForTesting(RecordingShow), nullptr);  // the system's
+    EXPECT_EQ(OpenFileDialog::SetShowFunctionForTesting(nullptr), &RecordingShow);
+    EXPECT_EQ(OpenFileDialog::SetShowFunctionForTesting(nullptr), nullptr);
 }
 
 // --- The real dialog ------------------------------------------------------------------------
@@ -193,12 +193,12 @@ void CALLBACK CancelWhenFound(HWND, UINT, UINT_PTR timer, DWORD) {
 TEST(OpenFileDialogReal, OpensOwnedByThePageAndCancelChangesNothing) {
     OwnerWindow owner;
     Found found;
-    found.owner = owner.get();
+    found.owner = owner.Get();
     g_found = &found;
     const UINT_PTR timer = SetTimer(nullptr, 0, 50, CancelWhenFound);
     ASSERT_NE(timer, 0u);
     OpenFileDialog dialog("C:\\windows\\system32\\shell32.dll", OFN_FILEMUSTEXIST | OFN_HIDEREADONLY,
-                          GetLocalString(40), owner.get());
+                          GetLocalString(40), owner.Get());
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     KillTimer(nullptr, timer);
     g_found = nullptr;

@@ -1,4 +1,4 @@
-#include "pages/window_creation_list.h"
+#include "runtime/window_creation_list.h"
 
 WindowCreationList::WindowCreationList(OwnedCriticalSection::Initializer initialize) : section_(initialize) {}
 

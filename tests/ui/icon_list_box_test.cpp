@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "common/win_handles.h"
-#include "pages/icon_list_box.h"
+#include "ui/icon_list_box.h"
 #include "tests/connection/test_icons.h"
 
 namespace {
@@ -41,7 +41,7 @@ TEST(IconListBox, ItemsCarryTheIconsAsData) {
     ASSERT_NE(host.list(), nullptr);
     IconListBox list(host.list());
     UniqueIcon a(MakeTestIcon(32, 4)), b(MakeTestIcon(32, 8));
-    const HICON ha = a.get(), hb = b.get();
+    const HICON ha = a.Get(), hb = b.Get();
     EXPECT_TRUE(list.Add(std::move(a)));
     EXPECT_TRUE(list.Add(std::move(b)));
     EXPECT_EQ(list.Count(), 2);
@@ -68,7 +68,7 @@ TEST(IconListBox, ClearDestroysEveryIconAndEmptiesTheList) {
     HICON icons[3];
     for (HICON& icon : icons) {
         UniqueIcon made(MakeTestIcon(32, 4));
-        icon = made.get();
+        icon = made.Get();
         ASSERT_TRUE(list.Add(std::move(made)));
     }
     for (HICON icon : icons) EXPECT_TRUE(IconAlive(icon));
@@ -108,7 +108,7 @@ TEST(IconListBox, NullIconIsListedAsAnItemWithoutIcon) {
 TEST(IconListBox, WithoutAListTheIconIsRefusedAndDestroyed) {
     IconListBox list;
     UniqueIcon icon(MakeTestIcon(32, 4));
-    const HICON handle = icon.get();
+    const HICON handle = icon.Get();
     EXPECT_FALSE(list.Add(std::move(icon)));
     EXPECT_FALSE(IconAlive(handle));
     EXPECT_EQ(list.Count(), 0);
@@ -121,7 +121,7 @@ TEST(IconListBox, ListWindowThatIsGoneRefusesTheIconAndDestroysIt) {
     IconListBox box(host.list());
     DestroyWindow(host.list());
     UniqueIcon icon(MakeTestIcon(32, 4));
-    const HICON handle = icon.get();
+    const HICON handle = icon.Get();
     EXPECT_FALSE(box.Add(std::move(icon)));
     EXPECT_FALSE(IconAlive(handle));
     EXPECT_EQ(box.Count(), 0);

@@ -46,46 +46,46 @@ TEST(ServerRegistration, WritesRowsOneToEight) {
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
 
-    ExpectText(root.get(), "AppID\\" + kAppId, nullptr, "vqcprop");
-    ExpectText(root.get(), "AppID\\" + ModuleFileName(), "AppID", kAppId);
-    ExpectText(root.get(), "CLSID\\" + kClassId, nullptr, "VQCProp Class");
-    ExpectText(root.get(), "CLSID\\" + kClassId + "\\InProcServer32", nullptr, ModulePath());
-    ExpectText(root.get(), "CLSID\\" + kClassId + "\\InProcServer32", "ThreadingModel", "Apartment");
-    ExpectText(root.get(), "CLSID\\" + kClassId + "\\InProcServer32", "AppID", kAppId);
+    ExpectText(root.Get(), "AppID\\" + kAppId, nullptr, "vqcprop");
+    ExpectText(root.Get(), "AppID\\" + ModuleFileName(), "AppID", kAppId);
+    ExpectText(root.Get(), "CLSID\\" + kClassId, nullptr, "VQCProp Class");
+    ExpectText(root.Get(), "CLSID\\" + kClassId + "\\InProcServer32", nullptr, ModulePath());
+    ExpectText(root.Get(), "CLSID\\" + kClassId + "\\InProcServer32", "ThreadingModel", "Apartment");
+    ExpectText(root.Get(), "CLSID\\" + kClassId + "\\InProcServer32", "AppID", kAppId);
     // The byte counts include the terminating zero.
-    EXPECT_EQ(ReadValue(root.get(), "AppID\\" + kAppId, nullptr).byteCount, 8u);
-    EXPECT_EQ(ReadValue(root.get(), "AppID\\" + ModuleFileName(), "AppID").byteCount, 39u);
-    EXPECT_EQ(ReadValue(root.get(), "CLSID\\" + kClassId, nullptr).byteCount, 14u);
-    EXPECT_EQ(ReadValue(root.get(), "CLSID\\" + kClassId + "\\InProcServer32", "ThreadingModel").byteCount, 10u);
+    EXPECT_EQ(ReadValue(root.Get(), "AppID\\" + kAppId, nullptr).byteCount, 8u);
+    EXPECT_EQ(ReadValue(root.Get(), "AppID\\" + ModuleFileName(), "AppID").byteCount, 39u);
+    EXPECT_EQ(ReadValue(root.Get(), "CLSID\\" + kClassId, nullptr).byteCount, 14u);
+    EXPECT_EQ(ReadValue(root.Get(), "CLSID\\" + kClassId + "\\InProcServer32", "ThreadingModel").byteCount, 10u);
 }
 
 TEST(ServerRegistration, ApplicationIdSitsOnInProcServerNotOnTheClassKey) {
     PrivateClassesRoot root("appid-placement");
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
-    EXPECT_EQ(ReadValue(root.get(), "CLSID\\" + kClassId, "AppID").result, ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(ReadValue(root.get(), "CLSID\\" + kClassId + "\\InProcServer32", "AppID").Text(), kAppId);
+    EXPECT_EQ(ReadValue(root.Get(), "CLSID\\" + kClassId, "AppID").result, ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(ReadValue(root.Get(), "CLSID\\" + kClassId + "\\InProcServer32", "AppID").Text(), kAppId);
 }
 
 TEST(ServerRegistration, RowThreeIsNamedAfterTheModuleFileBelowAppId) {
     PrivateClassesRoot root("row3");
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
-    EXPECT_EQ(ModuleFileName(), "registration_tests.exe");
-    EXPECT_TRUE(KeyExists(root.get(), "AppID\\registration_tests.exe"));
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\" + kAppId + "\\registration_tests.exe"));
+    EXPECT_EQ(ModuleFileName(), "server_registration_tests.exe");
+    EXPECT_TRUE(KeyExists(root.Get(), "AppID\\server_registration_tests.exe"));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" + kAppId + "\\server_registration_tests.exe"));
 }
 
 TEST(ServerRegistration, WritesNoTypeLibraryInterfaceOrCategoryKeys) {
     PrivateClassesRoot root("nothing-else");
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
-    EXPECT_EQ(SubkeyCount(root.get(), ""), 2);  // AppID and CLSID
-    EXPECT_FALSE(KeyExists(root.get(), "TypeLib"));
-    EXPECT_FALSE(KeyExists(root.get(), "Interface"));
-    EXPECT_FALSE(KeyExists(root.get(), "Component Categories"));
-    EXPECT_EQ(SubkeyCount(root.get(), "CLSID\\" + kClassId), 1);  // InProcServer32 only
-    EXPECT_FALSE(KeyExists(root.get(), "CLSID\\" + kClassId + "\\Implemented Categories"));
+    EXPECT_EQ(SubkeyCount(root.Get(), ""), 2);  // AppID and CLSID
+    EXPECT_FALSE(KeyExists(root.Get(), "TypeLib"));
+    EXPECT_FALSE(KeyExists(root.Get(), "Interface"));
+    EXPECT_FALSE(KeyExists(root.Get(), "Component Categories"));
+    EXPECT_EQ(SubkeyCount(root.Get(), "CLSID\\" + kClassId), 1);  // InProcServer32 only
+    EXPECT_FALSE(KeyExists(root.Get(), "CLSID\\" + kClassId + "\\Implemented Categories"));
 }
 
 TEST(ServerRegistration, RegisteringTwiceOverwritesAndSucceeds) {
@@ -93,10 +93,10 @@ TEST(ServerRegistration, RegisteringTwiceOverwritesAndSucceeds) {
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
     // A stale value from elsewhere is overwritten by the second run.
-    RegSetKeyValueA(root.get(), ("CLSID\\" + kClassId).c_str(), nullptr, REG_SZ, "stale", 6);
+    RegSetKeyValueA(root.Get(), ("CLSID\\" + kClassId).c_str(), nullptr, REG_SZ, "stale", 6);
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
-    ExpectText(root.get(), "CLSID\\" + kClassId, nullptr, "VQCProp Class");
-    EXPECT_EQ(SubkeyCount(root.get(), "AppID"), 2);
+    ExpectText(root.Get(), "CLSID\\" + kClassId, nullptr, "VQCProp Class");
+    EXPECT_EQ(SubkeyCount(root.Get(), "AppID"), 2);
 }
 
 TEST(ServerRegistration, UnregisteringRemovesEntriesAndTheFileTypeKeysButKeepsTheParents) {
@@ -104,35 +104,35 @@ TEST(ServerRegistration, UnregisteringRemovesEntriesAndTheFileTypeKeysButKeepsTh
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
     // Written by the client's installer, never by registration.
-    CreateKey(root.get(), ".vqc\\shellex\\PropertySheetHandlers\\" + kClassId);
-    CreateKey(root.get(), "VCLIENT\\DefaultIcon");
-    CreateKey(root.get(), "CLSID\\{00000000-1111-2222-3333-444444444444}");
+    CreateKey(root.Get(), ".vqc\\shellex\\PropertySheetHandlers\\" + kClassId);
+    CreateKey(root.Get(), "VCLIENT\\DefaultIcon");
+    CreateKey(root.Get(), "CLSID\\{00000000-1111-2222-3333-444444444444}");
 
     ASSERT_EQ(UnregisterServer(TheModule()), S_OK);
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\" + kAppId));
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\" + ModuleFileName()));
-    EXPECT_FALSE(KeyExists(root.get(), "CLSID\\" + kClassId));
-    EXPECT_FALSE(KeyExists(root.get(), ".vqc"));
-    EXPECT_FALSE(KeyExists(root.get(), "VCLIENT"));
-    EXPECT_TRUE(KeyExists(root.get(), "AppID"));
-    EXPECT_TRUE(KeyExists(root.get(), "CLSID"));
-    EXPECT_TRUE(KeyExists(root.get(), "CLSID\\{00000000-1111-2222-3333-444444444444}"));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" + kAppId));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" + ModuleFileName()));
+    EXPECT_FALSE(KeyExists(root.Get(), "CLSID\\" + kClassId));
+    EXPECT_FALSE(KeyExists(root.Get(), ".vqc"));
+    EXPECT_FALSE(KeyExists(root.Get(), "VCLIENT"));
+    EXPECT_TRUE(KeyExists(root.Get(), "AppID"));
+    EXPECT_TRUE(KeyExists(root.Get(), "CLSID"));
+    EXPECT_TRUE(KeyExists(root.Get(), "CLSID\\{00000000-1111-2222-3333-444444444444}"));
 }
 
 TEST(ServerRegistration, UnregisteringWhatIsNotThereSucceeds) {
     PrivateClassesRoot root("unregister-empty");
     EXPECT_EQ(UnregisterServerEntries(TheModule().instance), S_OK);
     EXPECT_EQ(UnregisterServer(TheModule()), S_OK);
-    EXPECT_EQ(SubkeyCount(root.get(), ""), 0);
+    EXPECT_EQ(SubkeyCount(root.Get(), ""), 0);
 }
 
 TEST(ServerRegistration, UnregisteringLeavesTheTypeLibraryKeyAlone) {
     PrivateClassesRoot root("typelib");
-    CreateKey(root.get(), "TypeLib\\" + kAppId + "\\1.0");
+    CreateKey(root.Get(), "TypeLib\\" + kAppId + "\\1.0");
     RegistrationLog log;
     ASSERT_EQ(RegisterServer(TheModule(), log), S_OK);
     ASSERT_EQ(UnregisterServer(TheModule()), S_OK);
-    EXPECT_TRUE(KeyExists(root.get(), "TypeLib\\" + kAppId + "\\1.0"));
+    EXPECT_TRUE(KeyExists(root.Get(), "TypeLib\\" + kAppId + "\\1.0"));
 }
 
 TEST(ServerRegistration, WithoutTheModulePathRegistrationAnswersInvalidParameter) {
@@ -140,20 +140,20 @@ TEST(ServerRegistration, WithoutTheModulePathRegistrationAnswersInvalidParameter
     RegistrationLog log;
     const HMODULE notAModule = reinterpret_cast<HMODULE>(static_cast<ULONG_PTR>(0x10000));
     EXPECT_EQ(RegisterServerEntries(log, notAModule), static_cast<HRESULT>(0x80070057));
-    EXPECT_EQ(SubkeyCount(root.get(), ""), 0);
+    EXPECT_EQ(SubkeyCount(root.Get(), ""), 0);
 }
 
 TEST(ServerRegistration, WriteProtectedClassKeyFailsLogsItsNativePathAndRollsBack) {
     PrivateClassesRoot root("protected-class");
     // A volatile parent refuses the non-volatile class key (error 1021).
-    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     TempFolder folder("protected-class");
     ScopedEnvironment variable(kVariable, folder.File("registration.log").c_str());
     RegistrationLog log;
 
     EXPECT_EQ(RegisterServer(TheModule(), log), static_cast<HRESULT>(0x800703FD));
     ASSERT_EQ(log.Messages().size(), 1u);
-    const std::string prefix = "Failed to create registry key " + NativeKeyName(root.get(), "CLSID") + "\\" +
+    const std::string prefix = "Failed to create registry key " + NativeKeyName(root.Get(), "CLSID") + "\\" +
                                kClassId + " Error ";
     const std::string& line = log.Messages()[0];
     ASSERT_EQ(line.substr(0, prefix.size()), prefix) << line;
@@ -164,14 +164,14 @@ TEST(ServerRegistration, WriteProtectedClassKeyFailsLogsItsNativePathAndRollsBac
     const DWORD code = static_cast<DWORD>(std::stol(rest.substr(0, space)));
     EXPECT_EQ(rest.substr(space + 1), SystemErrorText(code));
     // Rows 1 to 3 were written and are removed again; the parents stay.
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\" + kAppId));
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\" + ModuleFileName()));
-    EXPECT_TRUE(KeyExists(root.get(), "AppID"));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" + kAppId));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" + ModuleFileName()));
+    EXPECT_TRUE(KeyExists(root.Get(), "AppID"));
 }
 
 TEST(ServerRegistration, KeyFailureLogsTheLastErrorValueNotTheRegistryCode) {
     PrivateKey root("last-error");
-    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     TempFolder folder("last-error");
     ScopedEnvironment variable(kVariable, folder.File("registration.log").c_str());
     RegistrationLog log;
@@ -179,9 +179,9 @@ TEST(ServerRegistration, KeyFailureLogsTheLastErrorValueNotTheRegistryCode) {
     // The registry functions leave the thread's last-error value alone here, so the line
     // carries the value from before the call while the function answers the registry's code.
     SetLastError(4242);
-    EXPECT_EQ(RegisterClassEntries(root.get(), "C:\\x.dll", log), 1021);
+    EXPECT_EQ(RegisterClassEntries(root.Get(), "C:\\x.dll", log), 1021);
     ASSERT_EQ(log.Messages().size(), 1u);
-    EXPECT_EQ(log.Messages()[0], "Failed to create registry key " + NativeKeyName(root.get(), "CLSID") + "\\" +
+    EXPECT_EQ(log.Messages()[0], "Failed to create registry key " + NativeKeyName(root.Get(), "CLSID") + "\\" +
                                      kClassId + " Error 4242 " + SystemErrorText(4242));
 }
 
@@ -198,7 +198,7 @@ TEST(ServerRegistration, FailureDirectlyBelowTheRootNamesHkeyClassesRoot) {
 
 TEST(ServerRegistration, UnsetVariableCollectsNothingEvenWhenWritesFail) {
     PrivateClassesRoot root("unset-variable");
-    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     SetEnvironmentVariableA(kVariable, nullptr);
     RegistrationLog log;
     EXPECT_EQ(RegisterServer(TheModule(), log), static_cast<HRESULT>(0x800703FD));
@@ -256,22 +256,22 @@ TEST(ServerRegistration, ClassLoopRunsUnderTheSystemLocaleAndItsFailureRollsBack
     EXPECT_EQ(g_scriptCalls[0].second, GetSystemDefaultLCID());
     EXPECT_EQ(g_scriptCalls[1].first, FALSE);  // the removal loop
     EXPECT_EQ(GetThreadLocale(), german);
-    EXPECT_FALSE(KeyExists(root.get(), "CLSID\\" + kClassId));
-    EXPECT_FALSE(KeyExists(root.get(), "AppID\\" + kAppId));
+    EXPECT_FALSE(KeyExists(root.Get(), "CLSID\\" + kClassId));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" + kAppId));
 }
 
 TEST(ServerRegistration, DeleteKeyTreeRemovesEveryLevel) {
     PrivateKey root("tree");
-    CreateKey(root.get(), "top\\a\\b\\c");
-    CreateKey(root.get(), "top\\d");
-    RegSetKeyValueA(root.get(), "top\\a\\b", "v", REG_SZ, "x", 2);
-    EXPECT_EQ(DeleteKeyTree(root.get(), "top"), ERROR_SUCCESS);
-    EXPECT_FALSE(KeyExists(root.get(), "top"));
+    CreateKey(root.Get(), "top\\a\\b\\c");
+    CreateKey(root.Get(), "top\\d");
+    RegSetKeyValueA(root.Get(), "top\\a\\b", "v", REG_SZ, "x", 2);
+    EXPECT_EQ(DeleteKeyTree(root.Get(), "top"), ERROR_SUCCESS);
+    EXPECT_FALSE(KeyExists(root.Get(), "top"));
 }
 
 TEST(ServerRegistration, DeleteKeyTreeOfAnAbsentKeyAnswersTheRegistryCode) {
     PrivateKey root("tree-absent");
-    EXPECT_EQ(DeleteKeyTree(root.get(), "absent"), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(DeleteKeyTree(root.Get(), "absent"), ERROR_FILE_NOT_FOUND);
 }
 
 namespace {
@@ -343,7 +343,7 @@ TEST(ServerRegistration, RegistrationAndRemovalTellTheShellAssociationsChanged) 
 
 TEST(ServerRegistration, FailedRegistrationDoesNotTellTheShell) {
     PrivateClassesRoot root("notify-failed");
-    CreateKey(root.get(), "CLSID", REG_OPTION_VOLATILE);
+    CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     AssociationChangeListener listener;
     ASSERT_TRUE(listener.Ready());
     RegistrationLog log;
@@ -366,12 +366,12 @@ TEST(ServerRegistration, FailedValueIsLoggedAndTheWalkGoesOn) {
         {1, 0, false, "", true, nullptr, "refused"},
         {2, 0, true, "Below", true, "Name", "kept"},
     };
-    EXPECT_EQ(WriteRegistryRows(readOnly.get(), rows, log), ERROR_SUCCESS);
-    EXPECT_EQ(ReadValue(root.get(), "Below", "Name").Text(), "kept");
+    EXPECT_EQ(WriteRegistryRows(readOnly.Get(), rows, log), ERROR_SUCCESS);
+    EXPECT_EQ(ReadValue(root.Get(), "Below", "Name").Text(), "kept");
     ASSERT_EQ(log.Messages().size(), 1u);
-    const StoredValue missing = ReadValue(root.get(), "", nullptr);
+    const StoredValue missing = ReadValue(root.Get(), "", nullptr);
     EXPECT_NE(missing.result, ERROR_SUCCESS);
-    EXPECT_EQ(log.Messages()[0], "Failed to set registry value " + NativeKeyName(root.get()) +
+    EXPECT_EQ(log.Messages()[0], "Failed to set registry value " + NativeKeyName(root.Get()) +
                                      "\\(Default) to \"refused\" Error 5 " + SystemErrorText(5));
 }
 
@@ -384,6 +384,6 @@ TEST(ServerRegistration, DisabledLogRecordsNoValueFailure) {
     RegistrationLog log;
     log.SetFileName();
     const std::vector<RegistryRow> rows = {{1, 0, false, "", true, nullptr, "refused"}};
-    EXPECT_EQ(WriteRegistryRows(readOnly.get(), rows, log), ERROR_SUCCESS);
+    EXPECT_EQ(WriteRegistryRows(readOnly.Get(), rows, log), ERROR_SUCCESS);
     EXPECT_TRUE(log.Messages().empty());
 }

@@ -1,7 +1,7 @@
 // The list of page windows being created: between a page's creation callback and the
 // first message of its new window, the page object waits here, keyed by the id of the
 // thread that creates the window, so that the window's start-up procedure can find it.
-// The module owns the one list of the process; every change runs under its critical
+// The process's module owns the one list; every change runs under its critical
 // section, because several threads may create windows at once.
 #pragma once
 

@@ -13,9 +13,9 @@ class OpenFileDialog {
 public:
     // The function that shows the dialog: GetOpenFileNameA unless a test replaced it.
     using ShowFunction = BOOL(WINAPI*)(LPOPENFILENAMEA);
-    // Replaces the function for the whole process (null: GetOpenFileNameA again); answers
-    // the previous one, null for GetOpenFileNameA.
-    static ShowFunction SetShowFunction(ShowFunction show) noexcept;
+    // A test seam: replaces the function for the whole process (null: GetOpenFileNameA
+    // again); answers the previous one, null for GetOpenFileNameA.
+    static ShowFunction SetShowFunctionForTesting(ShowFunction show) noexcept;
 
     // OPENFILENAMEA's size for this system: the whole structure (152 bytes) from version
     // 4.90 on, as VerifyVersionInfoW judges it, else the older 136-byte form.
@@ -33,8 +33,6 @@ public:
 
     // The chosen file's full path (after IDOK), or the initial name.
     const char* FilePath() const noexcept { return file_; }
-    // What the dialog is given, for tests and for a caller's own adjustments.
-    OPENFILENAMEA& Settings() noexcept { return settings_; }
 
     static constexpr std::size_t kFileBufferSize = 260;       // characters, NUL included
     static constexpr std::size_t kFileTitleBufferSize = 256;  // characters, NUL included

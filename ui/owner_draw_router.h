@@ -12,6 +12,8 @@
 
 #include <windows.h>
 
+#include "common/win_handles.h"
+
 // The reflected forms: OCM__BASE (WM_USER + 0x1c00 = 0x2000) plus the message.
 inline constexpr UINT kReflectedMessageBase = WM_USER + 0x1c00;
 inline constexpr UINT OCM_DRAWITEM_MESSAGE = kReflectedMessageBase + WM_DRAWITEM;
@@ -53,22 +55,20 @@ public:
     // Default hooks.
     // Draws nothing: an owner-drawn control's owner draws its items itself.
     void DrawItem(DRAWITEMSTRUCT*) {}
-    // A menu item is one menu bar high; any other item as high as a line of the
-    // control's font. T::Window() is the dialog that owns the control.
+    // An item is as high as a line of the control's font (the pages own no menus).
+    // T::Window() is the dialog that owns the control.
     void MeasureItem(MEASUREITEMSTRUCT* item) {
-        if (item->CtlType == ODT_MENU) {
-            item->itemHeight = static_cast<UINT>(GetSystemMetrics(SM_CYMENU));
-            return;
-        }
         const HWND control = GetDlgItem(static_cast<T*>(this)->Window(), static_cast<int>(item->CtlID));
-        const HDC dc = GetDC(control);
-        if (!dc) return;
+        const WindowDC dc(control);
+        if (!dc.Get()) return;
         const auto font = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
-        const HGDIOBJ previous = font ? SelectObject(dc, font) : nullptr;
         TEXTMETRICA metrics{};
-        GetTextMetricsA(dc, &metrics);
-        if (previous) SelectObject(dc, previous);
-        ReleaseDC(control, dc);
+        if (font) {
+            const SelectedObject selected(dc.Get(), font);
+            GetTextMetricsA(dc.Get(), &metrics);
+        } else {
+            GetTextMetricsA(dc.Get(), &metrics);
+        }
         item->itemHeight = static_cast<UINT>(metrics.tmHeight);
     }
     // Every item compares equal.

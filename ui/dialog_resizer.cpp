@@ -1,4 +1,4 @@
-#include "pages/dialog_resizer.h"
+#include "ui/dialog_resizer.h"
 
 namespace {
 
@@ -34,42 +34,13 @@ void Place(HWND control, const ControlRect& rect, unsigned flags) {
 
 }  // namespace
 
-void DialogResizer::Init(HWND dialog, const ResizeMapEntry* map, bool addGripper, bool useMinTrackSize,
-                         DWORD forceStyle) {
+void DialogResizer::Init(HWND dialog, const ResizeMapEntry* map) {
     dialog_ = dialog;
     controls_.clear();
-    minTrackSize_ = {-1, -1};
-
-    if (forceStyle != 0) {
-        const auto style = static_cast<DWORD>(GetWindowLongPtrA(dialog, GWL_STYLE));
-        if ((style & forceStyle) != forceStyle) SetWindowLongPtrA(dialog, GWL_STYLE, style | forceStyle);
-    }
 
     RECT client{};
     GetClientRect(dialog, &client);
     initialClient_ = {client.right - client.left, client.bottom - client.top};
-
-    if (addGripper && !gripper_) {
-        const int cx = GetSystemMetrics(SM_CXVSCROLL);
-        const int cy = GetSystemMetrics(SM_CYHSCROLL);
-        gripper_ = CreateWindowExA(0, "SCROLLBAR", nullptr,
-                                   WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | SBS_SIZEBOX | SBS_SIZEGRIP |
-                                       SBS_SIZEBOXBOTTOMRIGHTALIGN,
-                                   client.right - cx, client.bottom - cy, cx, cy, dialog, nullptr, nullptr, nullptr);
-        if (gripper_) gripperInitial_ = RectInClient(dialog, gripper_);
-    }
-
-    if (useMinTrackSize) {
-        // A child window (a property page) is held at its client size, a top-level one at
-        // its window size.
-        if (GetWindowLongPtrA(dialog, GWL_STYLE) & WS_CHILD) {
-            minTrackSize_ = {initialClient_.cx, initialClient_.cy};
-        } else {
-            RECT window{};
-            GetWindowRect(dialog, &window);
-            minTrackSize_ = {window.right - window.left, window.bottom - window.top};
-        }
-    }
 
     const std::size_t rows = ResizeMapLength(map);
     controls_.reserve(rows);
@@ -89,9 +60,6 @@ void DialogResizer::UpdateLayout(int width, int height) const {
         const HWND control = GetDlgItem(dialog_, mapped.id);
         if (control) Place(control, LaidOutRect(mapped.initial, mapped.flags, dx, dy), mapped.flags);
     }
-    if (gripper_) {
-        Place(gripper_, LaidOutRect(gripperInitial_, DLSZ_MOVE_X | DLSZ_MOVE_Y, dx, dy), DLSZ_MOVE_X | DLSZ_MOVE_Y);
-    }
 }
 
 bool DialogResizer::ProcessWindowMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -102,9 +70,6 @@ bool DialogResizer::ProcessWindowMessage(HWND, UINT message, WPARAM wParam, LPAR
         result = 0;
         return true;
     case WM_GETMINMAXINFO:
-        if (minTrackSize_.x != -1 && minTrackSize_.y != -1) {
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = minTrackSize_;
-        }
         result = 0;
         return true;
     default:
