@@ -6,7 +6,8 @@
 //   1. OnPageMessage      the page's own entries (WM_INITDIALOG, WM_COMMAND, WM_DESTROY);
 //   2. resizing           WM_SIZE and WM_GETMINMAXINFO by T::ResizeMap() (DialogResizer);
 //   3. owner draw         only when T also derives from OwnerDrawRouter<T>;
-//   4. WM_NOTIFY          the sheet notifications: PSN_APPLY writes the whole record.
+//   4. WM_NOTIFY          the sheet notifications: PSN_APPLY writes the whole record and
+//                         tells the user when it cannot.
 //
 // What a page class T provides (private members are fine with `friend
 // CVQCPropertyPageImpl<T>;`):
@@ -53,6 +54,7 @@
 #include "ui/dialog_resizer.h"
 #include "ui/owner_draw_router.h"
 #include "pages/page_window.h"
+#include "pages/save_failure_report.h"
 #include "runtime/window_creation_list.h"
 #include "resources/dialog_template.h"
 #include "runtime/module_runtime.h"
@@ -263,10 +265,14 @@ protected:
 
 private:
     // Writes the record whether or not anything changed; each page of a sheet does, so
-    // one Apply writes the same bytes once per created page.
+    // one Apply writes the same bytes once per created page. A write that fails is told
+    // to the user once: the sheet asks no further page after a page refuses the Apply.
     LRESULT ApplyRecord() {
         if (!m_record) return PSNRET_INVALID_NOCHANGEPAGE;
-        if (m_record->Write(m_record->filePath.c_str()) != 0) return PSNRET_INVALID_NOCHANGEPAGE;
+        if (m_record->Write(m_record->filePath.c_str()) != 0) {
+            ReportSaveFailure(GetParent(m_window), m_record->filePath, m_record->lastError);
+            return PSNRET_INVALID_NOCHANGEPAGE;
+        }
         SendMessageA(GetParent(m_window), PSM_UNCHANGED, WPARAM(m_window), 0);
         return PSNRET_NOERROR;
     }

@@ -1,0 +1,173 @@
+// A save that fails is told to the user: Apply on a file another program holds locked shows
+// one message box owned by the sheet, naming the file and the system's text for the error;
+// the sheet stays open on its page with the edit, and an Apply once the lock is gone writes.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/ansi_text.h"
+#include "common/same_window.h"
+#include "common/win_handles.h"
+#include "pages/connection_page_rules.h"
+#include "tests/pages/page_test_support.h"
+#include "tests/window_assertions.h"
+
+using namespace page_test;
+
+namespace {
+
+constexpr char kLine[] = "-h server.example -u tester -C bookmark";
+
+// A message box that appeared while the watcher lived: its title and its text.
+struct SeenBox {
+    std::string title;
+    std::string text;
+};
+
+// Watches for message boxes owned by the sheet while a modal loop runs on this thread (a
+// timer fires inside it), reads each one and closes it as a click on OK would.
+class MessageBoxWatcher {
+public:
+    explicit MessageBoxWatcher(HWND sheet) : sheet_(sheet) {
+        current_ = this;
+        timer_ = SetTimer(nullptr, 0, 50, OnTimer);
+    }
+    ~MessageBoxWatcher() {
+        KillTimer(nullptr, timer_);
+        current_ = nullptr;
+    }
+    MessageBoxWatcher(const MessageBoxWatcher&) = delete;
+    MessageBoxWatcher& operator=(const MessageBoxWatcher&) = delete;
+
+    const std::vector<SeenBox>& Boxes() const { return boxes_; }
+
+private:
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD) {
+        if (current_) EnumThreadWindows(GetCurrentThreadId(), CloseBox, 0);
+    }
+
+    static BOOL CALLBACK CloseBox(HWND window, LPARAM) {
+        if (!SameWindow(GetWindow(window, GW_OWNER), current_->sheet_) || !IsWindowVisible(window)) return TRUE;
+        char className[16] = {};
+        GetClassNameA(window, className, sizeof(className));
+        if (std::string(className) != "#32770") return TRUE;
+        // The box's text is its static control 0xFFFF.
+        current_->boxes_.push_back({WindowText(window), WindowText(GetDlgItem(window, 0xFFFF))});
+        SendMessageA(window, WM_COMMAND, IDOK, 0);
+        return TRUE;
+    }
+
+    static inline MessageBoxWatcher* current_ = nullptr;
+    HWND sheet_;
+    UINT_PTR timer_ = 0;
+    std::vector<SeenBox> boxes_;
+};
+
+// Another program has the file open and shares nothing.
+class LockedFile {
+public:
+    explicit LockedFile(const std::string& path)
+        : handle_(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)) {}
+    bool Locked() const { return static_cast<bool>(handle_); }
+    void Unlock() { handle_.Reset(); }
+
+private:
+    UniqueKernelHandle handle_;
+};
+
+// A DLL copy, a connection file beside it, the shell's sheet for that file, and a new login
+// typed on the Connection page.
+struct EditedSheet {
+    explicit EditedSheet(const std::string& tag) : dll(tag), file(dll.File("connection.vqc")) {
+        WriteFileBytes(file, kLine);
+        sheet = std::make_unique<ShellPropertySheet>(dll.GetClassObject(), file);
+    }
+    bool OpenAndEdit() {
+        if (!sheet->Open()) return false;
+        page = ShowPageTitled(sheet->sheet(), "Connection");
+        if (!page) return false;
+        TypeText(PageControl(page, connection_page::kLoginEdit), "changed");
+        return ApplyEnabled(sheet->sheet());
+    }
+    std::string ExpectedText(DWORD error) const {
+        return file + "\r\n\r\n" + ansi_text::Trimmed(test_support::SystemErrorText(error));
+    }
+
+    ExtensionCopy dll;
+    std::string file;
+    std::unique_ptr<ShellPropertySheet> sheet;
+    HWND page = nullptr;
+};
+
+}  // namespace
+
+TEST(SaveFailure, ApplyOnALockedFileShowsOneBoxNamingTheFileAndTheSystemsText) {
+    EditedSheet setup("save-locked-apply");
+    ASSERT_TRUE(setup.OpenAndEdit());
+    LockedFile lock(setup.file);
+    ASSERT_TRUE(lock.Locked());
+    MessageBoxWatcher watcher(setup.sheet->sheet());
+    ClickButton(setup.sheet->sheet(), kApplyButtonId);
+    PumpMessages();
+    ASSERT_EQ(watcher.Boxes().size(), 1u);
+    EXPECT_EQ(watcher.Boxes()[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(watcher.Boxes()[0].title, WindowText(setup.sheet->sheet()));
+}
+
+TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
+    EditedSheet setup("save-locked-stays");
+    ASSERT_TRUE(setup.OpenAndEdit());
+    LockedFile lock(setup.file);
+    ASSERT_TRUE(lock.Locked());
+    MessageBoxWatcher watcher(setup.sheet->sheet());
+    ClickButton(setup.sheet->sheet(), kApplyButtonId);
+    PumpMessages();
+    ASSERT_EQ(watcher.Boxes().size(), 1u);
+    EXPECT_FALSE(SheetClosed(setup.sheet->sheet()));
+    EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->sheet()), setup.page));
+    EXPECT_TRUE(ApplyEnabled(setup.sheet->sheet()));
+    EXPECT_EQ(WindowText(PageControl(setup.page, connection_page::kLoginEdit)), "changed");
+    lock.Unlock();
+    EXPECT_EQ(ReadFileBytes(setup.file), kLine);
+}
+
+TEST(SaveFailure, OkOnALockedFileShowsOneBoxForAllThreePagesAndKeepsTheSheet) {
+    EditedSheet setup("save-locked-ok");
+    ASSERT_TRUE(setup.OpenAndEdit());
+    ASSERT_EQ(PageCount(setup.sheet->sheet()), 3);
+    // Every page has a window, so every page would write.
+    for (int index = 0; index < 3; ++index) ShowPage(setup.sheet->sheet(), index);
+    ShowPageTitled(setup.sheet->sheet(), "Connection");
+    LockedFile lock(setup.file);
+    ASSERT_TRUE(lock.Locked());
+    MessageBoxWatcher watcher(setup.sheet->sheet());
+    PressOk(setup.sheet->sheet());
+    PumpMessages();
+    ASSERT_EQ(watcher.Boxes().size(), 1u);
+    EXPECT_EQ(watcher.Boxes()[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
+    EXPECT_FALSE(SheetClosed(setup.sheet->sheet()));
+}
+
+TEST(SaveFailure, ApplyOnceTheLockIsGoneWritesTheEditWithoutABox) {
+    EditedSheet setup("save-locked-retry");
+    ASSERT_TRUE(setup.OpenAndEdit());
+    LockedFile lock(setup.file);
+    ASSERT_TRUE(lock.Locked());
+    {
+        MessageBoxWatcher watcher(setup.sheet->sheet());
+        ClickButton(setup.sheet->sheet(), kApplyButtonId);
+        PumpMessages();
+        ASSERT_EQ(watcher.Boxes().size(), 1u);
+    }
+    lock.Unlock();
+    MessageBoxWatcher watcher(setup.sheet->sheet());
+    ClickButton(setup.sheet->sheet(), kApplyButtonId);
+    PumpMessages();
+    EXPECT_TRUE(watcher.Boxes().empty());
+    EXPECT_FALSE(ApplyEnabled(setup.sheet->sheet()));
+    EXPECT_NE(ReadFileBytes(setup.file).find("-u changed"), std::string::npos) << ReadFileBytes(setup.file);
+}
