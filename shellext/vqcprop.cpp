@@ -15,6 +15,7 @@
 #include "pages/proxy_page.h"
 #include "resources/local_string_cache.h"
 #include "shellext/client_probe.h"
+#include "shellext/code_page_path.h"
 #include "shellext/vqcprop_ids.h"
 #include "shellext/vqcprop_module.h"
 
@@ -126,6 +127,14 @@ STDMETHODIMP VQCProp::Initialize(PCIDLIST_ABSOLUTE, IDataObject* dataObject, HKE
         fileName_.assign(length + 1, '\0');
         DragQueryFileA(drop, 0, fileName_.data(), length + 1);
         SetLengthToText(fileName_);
+
+        // A name the code page cannot spell is reached by its short path.
+        const UINT wideLength = DragQueryFileW(drop, 0, nullptr, 0);
+        if (wideLength > 0) {
+            std::wstring wide(wideLength + 1, L'\0');
+            DragQueryFileW(drop, 0, wide.data(), wideLength + 1);
+            fileName_ = PathForCodePage(wide.c_str(), CP_ACP, std::move(fileName_));
+        }
         return S_OK;
     });
 }
@@ -181,6 +190,8 @@ STDMETHODIMP VQCProp::Load(LPCOLESTR fileName, DWORD) {
             fileName_.assign(static_cast<std::size_t>(size), '\0');
             WideCharToMultiByte(CP_THREAD_ACP, 0, fileName, -1, fileName_.data(), size, nullptr, nullptr);
             SetLengthToText(fileName_);
+            // A name the code page cannot spell is reached by its short path.
+            fileName_ = PathForCodePage(fileName, CP_THREAD_ACP, std::move(fileName_));
         }
 
         auto* record = new (std::nothrow) VQCFileInfo(fileName_.c_str());

@@ -64,10 +64,16 @@ std::wstring Wide(const std::string& text) {
 }  // namespace
 
 ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) {
+    std::vector<std::wstring> wide;
+    for (const std::string& file : files) wide.push_back(Wide(file));
+    return ShellSelection(wide);
+}
+
+ComPtr<IDataObject> ShellSelection(const std::vector<std::wstring>& files) {
     std::vector<PIDLIST_ABSOLUTE> absolute;
-    for (const std::string& file : files) {
+    for (const std::wstring& file : files) {
         PIDLIST_ABSOLUTE pidl = nullptr;
-        if (SUCCEEDED(SHParseDisplayName(Wide(file).c_str(), nullptr, &pidl, 0, nullptr))) absolute.push_back(pidl);
+        if (SUCCEEDED(SHParseDisplayName(file.c_str(), nullptr, &pidl, 0, nullptr))) absolute.push_back(pidl);
     }
     ComPtr<IDataObject> data;
     if (absolute.size() == files.size() && !absolute.empty()) {
@@ -86,7 +92,10 @@ ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) {
 // --- ShellPropertySheet ---------------------------------------------------------------------
 
 ShellPropertySheet::ShellPropertySheet(GetClassObjectFunction getClassObject, const std::string& file)
-    : getClassObject_(getClassObject), file_(file) {}
+    : getClassObject_(getClassObject), file_(file), wideFile_(Wide(file)) {}
+
+ShellPropertySheet::ShellPropertySheet(GetClassObjectFunction getClassObject, const std::wstring& file)
+    : getClassObject_(getClassObject), wideFile_(file) {}
 
 ShellPropertySheet::~ShellPropertySheet() {
     Destroy();
@@ -106,7 +115,7 @@ HRESULT ShellPropertySheet::Initialize() {
     ComPtr<IShellExtInit> init;
     HRESULT result = object_->QueryInterface(IID_IShellExtInit, init.PutVoid());
     if (FAILED(result)) return result;
-    ComPtr<IDataObject> selection = ShellSelection({file_});
+    ComPtr<IDataObject> selection = ShellSelection(std::vector<std::wstring>{wideFile_});
     if (!selection) return E_UNEXPECTED;
     return init->Initialize(nullptr, selection.Get(), nullptr);
 }

@@ -84,12 +84,15 @@ private:
 };
 
 // The shell's data object for a selection of files in a folder view (CF_HDROP).
+ComPtr<IDataObject> ShellSelection(const std::vector<std::wstring>& files);
 ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files);
 
 // One file's Properties as the shell assembles them.
 class ShellPropertySheet {
 public:
     ShellPropertySheet(GetClassObjectFunction getClassObject, const std::string& file);
+    // A file named in UTF-16, as the shell names every file.
+    ShellPropertySheet(GetClassObjectFunction getClassObject, const std::wstring& file);
     ~ShellPropertySheet();
     ShellPropertySheet(const ShellPropertySheet&) = delete;
     ShellPropertySheet& operator=(const ShellPropertySheet&) = delete;
@@ -123,6 +126,7 @@ private:
     ComApartment apartment_;
     GetClassObjectFunction getClassObject_;
     std::string file_;
+    std::wstring wideFile_;
     ComPtr<IShellPropSheetExt> object_;
     std::set<int> refused_;
     std::vector<HPROPSHEETPAGE> offers_;
