@@ -434,10 +434,13 @@ TEST(PageNotifications, FailedWriteAnswersInvalidNoChangePageAndSendsNothing) {
     ASSERT_TRUE(lock);
     LRESULT result = 0xdeadbeef;
     NMHDR header{sheet.sheet(), 0, static_cast<UINT>(PSN_APPLY)};
+    MessageBoxWatcher boxes(sheet.sheet());
     EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
     EXPECT_EQ(result, PSNRET_INVALID_NOCHANGEPAGE);
     EXPECT_EQ(record->lastError, static_cast<std::uint32_t>(ERROR_SHARING_VIOLATION));
     EXPECT_TRUE(messages.seen.empty());
+    // The user was told, once.
+    EXPECT_EQ(boxes.Boxes().size(), 1u);
 }
 
 // The same window with the upper half of its handle flipped between the sign-extended and

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "common/com_ptr.h"
+#include "common/same_window.h"
 #include "tests/file_bytes.h"
 #include "tests/pages/sheet_input.h"
 #include "tests/registration/registry_test_support.h"
@@ -198,6 +199,51 @@ HWND PageControl(HWND page, int id);
 std::vector<int> ChildIds(HWND window);
 // A child's rectangle in its parent's client coordinates.
 RECT ChildRect(HWND child);
+
+// A message box that appeared while the watcher lived: its title and its text.
+struct SeenBox {
+    std::string title;
+    std::string text;
+};
+
+// Watches for message boxes owned by the sheet while a modal loop runs on this thread (a
+// timer fires inside it), reads each one and closes it as a click on OK would.
+class MessageBoxWatcher {
+public:
+    explicit MessageBoxWatcher(HWND sheet) : sheet_(sheet) {
+        current_ = this;
+        timer_ = SetTimer(nullptr, 0, 50, OnTimer);
+    }
+    ~MessageBoxWatcher() {
+        KillTimer(nullptr, timer_);
+        current_ = nullptr;
+    }
+    MessageBoxWatcher(const MessageBoxWatcher&) = delete;
+    MessageBoxWatcher& operator=(const MessageBoxWatcher&) = delete;
+
+    const std::vector<SeenBox>& Boxes() const { return boxes_; }
+
+private:
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD) {
+        if (current_) EnumThreadWindows(GetCurrentThreadId(), CloseBox, 0);
+    }
+
+    static BOOL CALLBACK CloseBox(HWND window, LPARAM) {
+        if (!SameWindow(GetWindow(window, GW_OWNER), current_->sheet_) || !IsWindowVisible(window)) return TRUE;
+        char className[16] = {};
+        GetClassNameA(window, className, sizeof(className));
+        if (std::string(className) != "#32770") return TRUE;
+        // The box's text is its static control 0xFFFF.
+        current_->boxes_.push_back({WindowText(window), WindowText(GetDlgItem(window, 0xFFFF))});
+        SendMessageA(window, WM_COMMAND, IDOK, 0);
+        return TRUE;
+    }
+
+    static inline MessageBoxWatcher* current_ = nullptr;
+    HWND sheet_;
+    UINT_PTR timer_ = 0;
+    std::vector<SeenBox> boxes_;
+};
 
 // Counts the writes each page makes while it handles PSN_APPLY: before the page sees
 // the notification the file is replaced by a marker, afterwards what it holds is read

@@ -287,9 +287,11 @@ TEST(ShellSheetApply, WriteFailureKeepsTheSheetOnTheFailingPage) {
         const UniqueKernelHandle lock(CreateFileA(setup.file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                                   FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(lock);
+        MessageBoxWatcher boxes(sheet.sheet());
         ClickButton(sheet.sheet(), IDOK);
         EXPECT_FALSE(SheetClosed(sheet.sheet()));
         EXPECT_NE(CurrentPage(sheet.sheet()), nullptr);
+        EXPECT_EQ(boxes.Boxes().size(), 1u);
     }
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
     // Once the file is free again, OK writes and closes.

@@ -194,7 +194,9 @@ TEST(InProcessSheet, WriteFailureKeepsTheSheetOnThePageAndTheEditsForARetry) {
         const UniqueKernelHandle lock(
             CreateFileA(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(lock);
+        MessageBoxWatcher boxes(sheet.sheet());
         ClickButton(sheet.sheet(), IDOK);
+        EXPECT_EQ(boxes.Boxes().size(), 1u);
         EXPECT_FALSE(SheetClosed(sheet.sheet()));
         EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.sheet()), page));
         EXPECT_EQ(record->lastError, static_cast<std::uint32_t>(ERROR_SHARING_VIOLATION));
