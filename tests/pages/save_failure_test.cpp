@@ -51,6 +51,13 @@ struct EditedSheet {
     std::string ExpectedText(DWORD error) const {
         return file + "\r\n\r\n" + ansi_text::Trimmed(test_support::SystemErrorText(error));
     }
+    // A click on one of the sheet's buttons; the message boxes it brought up, each closed.
+    std::vector<SeenBox> Press(int button) {
+        MessageBoxWatcher watcher(sheet->sheet());
+        ClickButton(sheet->sheet(), button);
+        PumpMessages();
+        return watcher.Boxes();
+    }
 
     ExtensionCopy dll;
     std::string file;
@@ -65,12 +72,10 @@ TEST(SaveFailure, ApplyOnALockedFileShowsOneBoxNamingTheFileAndTheSystemsText) {
     ASSERT_TRUE(setup.OpenAndEdit());
     LockedFile lock(setup.file);
     ASSERT_TRUE(lock.Locked());
-    MessageBoxWatcher watcher(setup.sheet->sheet());
-    ClickButton(setup.sheet->sheet(), kApplyButtonId);
-    PumpMessages();
-    ASSERT_EQ(watcher.Boxes().size(), 1u);
-    EXPECT_EQ(watcher.Boxes()[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
-    EXPECT_EQ(watcher.Boxes()[0].title, WindowText(setup.sheet->sheet()));
+    const std::vector<SeenBox> boxes = setup.Press(kApplyButtonId);
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_EQ(boxes[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(boxes[0].title, WindowText(setup.sheet->sheet()));
 }
 
 TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
@@ -78,10 +83,7 @@ TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
     ASSERT_TRUE(setup.OpenAndEdit());
     LockedFile lock(setup.file);
     ASSERT_TRUE(lock.Locked());
-    MessageBoxWatcher watcher(setup.sheet->sheet());
-    ClickButton(setup.sheet->sheet(), kApplyButtonId);
-    PumpMessages();
-    ASSERT_EQ(watcher.Boxes().size(), 1u);
+    ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
     EXPECT_FALSE(SheetClosed(setup.sheet->sheet()));
     EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->sheet()), setup.page));
     EXPECT_TRUE(ApplyEnabled(setup.sheet->sheet()));
@@ -99,11 +101,9 @@ TEST(SaveFailure, OkOnALockedFileShowsOneBoxForAllThreePagesAndKeepsTheSheet) {
     ShowPageTitled(setup.sheet->sheet(), "Connection");
     LockedFile lock(setup.file);
     ASSERT_TRUE(lock.Locked());
-    MessageBoxWatcher watcher(setup.sheet->sheet());
-    PressOk(setup.sheet->sheet());
-    PumpMessages();
-    ASSERT_EQ(watcher.Boxes().size(), 1u);
-    EXPECT_EQ(watcher.Boxes()[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
+    const std::vector<SeenBox> boxes = setup.Press(IDOK);
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_EQ(boxes[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
     EXPECT_FALSE(SheetClosed(setup.sheet->sheet()));
 }
 
@@ -112,17 +112,9 @@ TEST(SaveFailure, ApplyOnceTheLockIsGoneWritesTheEditWithoutABox) {
     ASSERT_TRUE(setup.OpenAndEdit());
     LockedFile lock(setup.file);
     ASSERT_TRUE(lock.Locked());
-    {
-        MessageBoxWatcher watcher(setup.sheet->sheet());
-        ClickButton(setup.sheet->sheet(), kApplyButtonId);
-        PumpMessages();
-        ASSERT_EQ(watcher.Boxes().size(), 1u);
-    }
+    ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
     lock.Unlock();
-    MessageBoxWatcher watcher(setup.sheet->sheet());
-    ClickButton(setup.sheet->sheet(), kApplyButtonId);
-    PumpMessages();
-    EXPECT_TRUE(watcher.Boxes().empty());
+    EXPECT_TRUE(setup.Press(kApplyButtonId).empty());
     EXPECT_FALSE(ApplyEnabled(setup.sheet->sheet()));
     EXPECT_NE(ReadFileBytes(setup.file).find("-u changed"), std::string::npos) << ReadFileBytes(setup.file);
 }
