@@ -1,5 +1,7 @@
 // The icon pair of a connection file to and from the hex text that travels as the
 // argument of -I: icon handles <-> DIB bytes here, the stream and the text in icon_stream.
+// This is the icon block's one owner: the reader and the writer call it and RecordIcon keeps
+// its DecodedIcon to remake copies, while it includes none of them, only icon_stream below.
 #pragma once
 
 #include <windows.h>

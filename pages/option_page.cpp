@@ -3,12 +3,10 @@
 #include <shellapi.h>
 #include <shlwapi.h>
 
-#include <optional>
 #include <string>
 
 #include "common/win_handles.h"
 #include "pages/icon_size_setting.h"
-#include "pages/message_format.h"
 #include "ui/open_file_dialog.h"
 #include "pages/option_page_rules.h"
 #include "pages/resize_maps.h"
@@ -25,6 +23,22 @@ static_assert(option_page::kColourWindow == COLOR_WINDOW && option_page::kColour
 static_assert(option_page::kIconListId == CVQCOptionPage::kIconListId);
 
 constexpr std::size_t kPathBufferChars = 261;
+
+// The label's text: the pattern read as FormatMessage reads a message text, with `name` as
+// insert 1 and an empty text for every other insert a pattern could name (%2 to %99), so no
+// insert reads past the arguments. Empty when FormatMessage fails.
+std::string FormatSourceLabel(const char* pattern, const std::string& name) {
+    constexpr std::size_t kInsertCount = 99;
+    DWORD_PTR inserts[kInsertCount];
+    for (DWORD_PTR& insert : inserts) insert = reinterpret_cast<DWORD_PTR>("");
+    inserts[0] = reinterpret_cast<DWORD_PTR>(name.c_str());
+    char* text = nullptr;
+    const DWORD length = FormatMessageA(
+        FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY | FORMAT_MESSAGE_ALLOCATE_BUFFER, pattern, 0, 0,
+        reinterpret_cast<char*>(&text), 0, reinterpret_cast<va_list*>(inserts));
+    const UniqueLocalMemory owned(text);
+    return length ? std::string(text, length) : std::string();
+}
 
 // The full path of this DLL's own file (the fallback icon source).
 std::string ModulePath() {
@@ -114,8 +128,7 @@ void CVQCOptionPage::UpdateSourceLabel() {
     PathStripPathA(name.data());
     name.resize(std::char_traits<char>::length(name.c_str()));
     const char* pattern = GetLocalString(kSourceLabelStringId);
-    const std::optional<std::string> label = FormatMessageText(pattern ? pattern : "", name);
-    SetWindowTextA(m_sourceLabel, label ? label->c_str() : "");
+    SetWindowTextA(m_sourceLabel, FormatSourceLabel(pattern ? pattern : "", name).c_str());
 }
 
 void CVQCOptionPage::FillIconList() {

@@ -61,7 +61,7 @@ extension=$(stage_shell_extension "$client_version" "$local_server")
 if [ -n "$screenshots" ] || [ -z "${DISPLAY:-}" ]; then
   screenshots=${screenshots:-$BUILD_DIR/screenshots}
   mkdir -p "$screenshots"
-  rm -f "$screenshots"/page*.bmp "$screenshots"/page*.png
+  rm -f "$screenshots"/page*.png
 fi
 enter_project_prefix
 register_shell_extension "$extension"
@@ -83,9 +83,7 @@ rm -f "$output"
 [ $status -eq 0 ] || exit 1
 
 if [ -n "$screenshots" ]; then
-  for bitmap in "$screenshots"/page*.bmp; do
-    python3 "$ROOT/scripts/lib/bmp_to_png.py" "$bitmap" "${bitmap%.bmp}.png"
-    rm -f "$bitmap"
-    echo "${bitmap%.bmp}.png"
+  for picture in "$screenshots"/page*.png; do
+    echo "$picture"
   done
 fi

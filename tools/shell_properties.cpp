@@ -2,7 +2,7 @@
 // "Properties" in a folder view open them, so the sheet holds whatever the registered
 // property-sheet handlers add.
 //   shell_properties FILE                    shows the sheet; returns when the user closes it
-//   shell_properties FILE --screenshots DIR  shows each page in turn, writes DIR\pageN.bmp
+//   shell_properties FILE --screenshots DIR  shows each page in turn, writes DIR\pageN.png
 //                                            (N from 1, in tab order), then presses Cancel
 // Prints one line per page, "pageN<TAB>title" (UTF-8), once the sheet is up.
 // Exit status: 0 done, 1 the shell opened no sheet or the verb failed, 2 usage error.
@@ -75,8 +75,8 @@ int main(int argc, char** argv) {
         Print(out, name + "\t" + shell_road::Utf8(titles[i]) + "\n");
         if (screenshots.empty()) continue;
         ShowPageNow(sheet, static_cast<int>(i));
-        if (!window_capture::SaveWindowBitmap(sheet, screenshots + "\\" + name + ".bmp")) {
-            Print(err, "shell_properties: could not write " + screenshots + "\\" + name + ".bmp\n");
+        if (!window_capture::SaveWindowPng(sheet, screenshots + "\\" + name + ".png")) {
+            Print(err, "shell_properties: could not write " + screenshots + "\\" + name + ".png\n");
             status = kExitFailed;
         }
     }

@@ -7,8 +7,9 @@
 
 namespace window_capture {
 
-// Writes the whole window (frame included) as a 24-bit BMP file. False when the window could
-// not be read or the file not written.
-bool SaveWindowBitmap(HWND window, const std::string& path);
+// Writes the whole window (frame included) as a 24-bit PNG file through the system's
+// imaging component (WIC). Joins a COM apartment on the calling thread for the time it
+// takes. False when the window could not be read or the file not written.
+bool SaveWindowPng(HWND window, const std::string& path);
 
 }  // namespace window_capture

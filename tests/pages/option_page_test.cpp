@@ -136,6 +136,17 @@ TEST(OptionPage, LabelNamesTheSourceFileWithoutItsFolders) {
     EXPECT_EQ(sheet.Label(), "Look for icons in: option_icons.dll");
 }
 
+// The name is insert 1 of the label's message text: percent sequences in it are shown as
+// they stand, never read as inserts or escapes of their own.
+TEST(OptionPage, LabelShowsPercentSequencesInTheFileNameAsTheyStand) {
+    TempFolder folder("option-label-percent");
+    const std::string client = folder.File("a%1b%n%%c%0.dll");
+    ASSERT_TRUE(CopyFileA(IconsDll().c_str(), client.c_str(), FALSE));
+    const ComPtr<VQCFileInfo> record = ClientRecord(folder, client);
+    OptionSheet sheet(record.Get());
+    EXPECT_EQ(sheet.Label(), "Look for icons in: a%1b%n%%c%0.dll");
+}
+
 TEST(OptionPage, RecordWithoutIconAdoptsTheClientsFirstIconUntold) {
     TempFolder folder("option-adopt");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);

@@ -36,9 +36,16 @@ for page in 1 2 3 4; do
   width=$(od -An -tu1 -j16 -N4 "$picture" | awk '{print $1*16777216+$2*65536+$3*256+$4}')
   height=$(od -An -tu1 -j20 -N4 "$picture" | awk '{print $1*16777216+$2*65536+$3*256+$4}')
   [ "$width" -ge 300 ] && [ "$height" -ge 300 ] || fail "page$page.png is ${width}x$height, not a sheet"
+  # 24-bit colour, and the file ends with the IEND chunk (length 0, type, CRC).
+  [ "$(od -An -tu1 -j24 -N2 "$picture" | tr -s ' ')" = " 8 2" ] || fail "page$page.png is not 8-bit RGB"
+  [ "$(tail -c 12 "$picture" | od -An -tx1 | tr -d ' \n')" = "0000000049454e44ae426082" ] || fail "page$page.png does not end"
+  echo "${width}x$height" >>"$work/sizes"
 done
+# One sheet, whichever page is in front: every picture has its size.
+[ "$(sort -u "$work/sizes" | wc -l)" -eq 1 ] || fail "the pictures must all be the sheet's size: $(tr '\n' ' ' <"$work/sizes")"
 # Each page brought to the front before its picture: no two pictures alike.
 [ "$(md5sum "$work/shots"/page?.png | cut -d' ' -f1 | sort -u | wc -l)" -eq 4 ] || fail "the four pictures must differ"
-[ -z "$(ls "$work/shots"/*.bmp 2>/dev/null)" ] || fail "no bitmap may be left behind"
+[ "$(ls "$work/shots" | sort | tr '\n' ' ')" = "page1.png page2.png page3.png page4.png " ] ||
+  fail "only the four pictures may be written: $(ls "$work/shots")"
 cmp -s "$root/docs/samples/office.vqc" "$work/office.vqc" || fail "Cancel must leave the file as it was"
 echo "PASS"
