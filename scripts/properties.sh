@@ -6,7 +6,7 @@
 # verb "properties". The sheet holds the shell's own General page, then Connection, Proxy
 # and Options.
 #   bash scripts/properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N]
-#                                       [--local-server]
+#                                       [--local-server] [--failed-save]
 # With a DISPLAY the dialog is shown for you to use, and the script returns when you close
 # it (OK or Apply writes the file). With --screenshots, or without a DISPLAY (then on an
 # Xvfb display of its own), it writes one PNG per page (DIR/page1.png is the General page;
@@ -15,6 +15,8 @@
 #   --client-version N    a stand-in client DLL of product version N/100.N%100 (640: 6.40)
 #                         beside the DLL; without it no client is installed
 #   --local-server        a "vserver.dll" beside the DLL, so "Connect locally" is offered
+#   --failed-save         with the pictures, also DIR/save-failed.png: OK pressed while the
+#                         file is held open elsewhere, and the box that tells the user
 # Exit status: 0 done, 1 a step failed, 2 usage error (missing file, a directory, a path
 # without ".vqc", a bad option); nothing is built, registered or written on status 2.
 # Do not run it while scripts/test.sh runs in the same build folder: both use its prefix.
@@ -28,7 +30,7 @@ usage_error() {
   exit 2
 }
 
-file="" screenshots="" lang="" client_version="" local_server=""
+file="" screenshots="" lang="" client_version="" local_server="" failed_save=""
 while [ $# -gt 0 ]; do
   case "$1" in
     --screenshots) [ $# -ge 2 ] || usage_error "--screenshots needs a folder"; screenshots=$2; shift 2 ;;
@@ -36,11 +38,12 @@ while [ $# -gt 0 ]; do
     --client-version) [ $# -ge 2 ] || usage_error "--client-version needs a number such as 640"
       client_version=$2; shift 2 ;;
     --local-server) local_server=yes; shift ;;
-    -*) usage_error "unknown option $1 (usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server])" ;;
+    --failed-save) failed_save=yes; shift ;;
+    -*) usage_error "unknown option $1 (usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server] [--failed-save])" ;;
     *) [ -z "$file" ] || usage_error "one connection file only, got $file and $1"; file=$1; shift ;;
   esac
 done
-[ -n "$file" ] || usage_error "usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server]"
+[ -n "$file" ] || usage_error "usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server] [--failed-save]"
 [ -e "$file" ] || usage_error "$file: no such file"
 [ ! -d "$file" ] || usage_error "$file: is a directory, not a connection file"
 case "${file,,}" in *.vqc) ;; *) usage_error "$file: not a connection file (the name must end in .vqc)" ;; esac
@@ -61,7 +64,7 @@ extension=$(stage_shell_extension "$client_version" "$local_server")
 if [ -n "$screenshots" ] || [ -z "${DISPLAY:-}" ]; then
   screenshots=${screenshots:-$BUILD_DIR/screenshots}
   mkdir -p "$screenshots"
-  rm -f "$screenshots"/page*.png
+  rm -f "$screenshots"/page*.png "$screenshots"/save-failed.png
 fi
 enter_project_prefix
 register_shell_extension "$extension"
@@ -70,6 +73,7 @@ link_cjk_fonts
 
 program=("$WINE_LOADER" "$BUILD_DIR/windows/tools/shell_properties.exe" "$(windows_path "$file")")
 [ -z "$screenshots" ] || program+=(--screenshots "$(windows_path "$screenshots")")
+[ -z "$screenshots" ] || [ -z "$failed_save" ] || program+=(--failed-save)
 # Through a file: the helpers Wine starts on demand keep the standard handles they inherit.
 output=$(mktemp "${TMPDIR:-/tmp}/vqc-properties.XXXXXX")
 status=0
@@ -83,7 +87,7 @@ rm -f "$output"
 [ $status -eq 0 ] || exit 1
 
 if [ -n "$screenshots" ]; then
-  for picture in "$screenshots"/page*.png; do
-    echo "$picture"
+  for picture in "$screenshots"/page*.png "$screenshots"/save-failed.png; do
+    if [ -e "$picture" ]; then echo "$picture"; fi
   done
 fi

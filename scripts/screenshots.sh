@@ -45,6 +45,11 @@ shoot en-local "$samples/workstation.vqc" --local-server -- page2:en-connection-
 shoot en-discovery "$samples/discovery.vqc" -- page2:en-connection-discovery
 # The broker route is offered to clients 6.20 to 6.89 only.
 shoot en-broker "$samples/broker.vqc" --client-version 680 -- page3:en-proxy-broker
+# OK while another program holds the file: the box that tells the user. On a copy, so that
+# the sample's own name is not in the picture's path.
+mkdir -p "$work/files"
+cp "$samples/office.vqc" "$work/files/office.vqc"
+shoot en-failed "$work/files/office.vqc" --failed-save -- save-failed:en-save-failed
 
 for lang in de_DE fr_FR es_ES nl_NL ko_KR ja_JP zh_TW zh_CN; do
   tag=$(tr '[:upper:]_' '[:lower:]-' <<<"$lang")

@@ -4,6 +4,10 @@
 //   shell_properties FILE                    shows the sheet; returns when the user closes it
 //   shell_properties FILE --screenshots DIR  shows each page in turn, writes DIR\pageN.png
 //                                            (N from 1, in tab order), then presses Cancel
+//   ... --screenshots DIR --failed-save      also, before Cancel: holds the file open as
+//                                            another program would, presses OK and writes
+//                                            the box that tells the failed save as
+//                                            DIR\save-failed.png
 // Prints one line per page, "pageN<TAB>title" (UTF-8), once the sheet is up.
 // Exit status: 0 done, 1 the shell opened no sheet or the verb failed, 2 usage error.
 #include <windows.h>
@@ -13,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "common/win_handles.h"
 #include "tests/support/shell_properties_road.h"
 #include "tools/window_capture.h"
 
@@ -31,7 +36,7 @@ void Print(HANDLE stream, const std::string& text) {
 }
 
 int Usage() {
-    Print(GetStdHandle(STD_ERROR_HANDLE), "usage: shell_properties FILE [--screenshots DIR]\n");
+    Print(GetStdHandle(STD_ERROR_HANDLE), "usage: shell_properties FILE [--screenshots DIR [--failed-save]]\n");
     return kExitUsage;
 }
 
@@ -44,15 +49,55 @@ void ShowPageNow(HWND sheet, int index) {
     Sleep(300);
 }
 
+// The message box the sheet's thread shows, owned by the sheet; null when none came in time.
+HWND WaitForOwnedBox(HWND sheet, DWORD milliseconds) {
+    for (DWORD waited = 0; waited < milliseconds; waited += 50) {
+        HWND box = nullptr;
+        EnumThreadWindows(
+            GetWindowThreadProcessId(sheet, nullptr),
+            [](HWND window, LPARAM found) -> BOOL {
+                char className[16] = {};
+                GetClassNameA(window, className, sizeof(className));
+                if (!IsWindowVisible(window) || std::string(className) != "#32770" || !GetWindow(window, GW_OWNER))
+                    return TRUE;
+                *reinterpret_cast<HWND*>(found) = window;
+                return FALSE;
+            },
+            reinterpret_cast<LPARAM>(&box));
+        if (box && GetWindow(box, GW_OWNER) == sheet) return box;
+        Sleep(50);
+    }
+    return nullptr;
+}
+
+// OK on a file another program holds: the sheet's pages cannot write it and tell the user.
+bool PictureFailedSave(HWND sheet, const std::string& file, const std::string& picture) {
+    const UniqueKernelHandle lock(
+        CreateFileA(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!lock) return false;
+    PostMessageW(sheet, PSM_PRESSBUTTON, PSBTN_OK, 0);
+    const HWND box = WaitForOwnedBox(sheet, 10000);
+    if (!box) return false;
+    Sleep(300);  // painted
+    const bool saved = window_capture::SaveWindowPng(box, picture);
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    return saved;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2 && argc != 4) return Usage();
+    if (argc != 2 && argc != 4 && argc != 5) return Usage();
     const std::string file = argv[1];
     std::string screenshots;
-    if (argc == 4) {
+    bool failedSave = false;
+    if (argc >= 4) {
         if (std::string(argv[2]) != "--screenshots") return Usage();
         screenshots = argv[3];
+    }
+    if (argc == 5) {
+        if (std::string(argv[4]) != "--failed-save") return Usage();
+        failedSave = true;
     }
 
     const HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
@@ -79,6 +124,10 @@ int main(int argc, char** argv) {
             Print(err, "shell_properties: could not write " + screenshots + "\\" + name + ".png\n");
             status = kExitFailed;
         }
+    }
+    if (failedSave && !PictureFailedSave(sheet, file, screenshots + "\\save-failed.png")) {
+        Print(err, "shell_properties: no box told the failed save of " + file + "\n");
+        status = kExitFailed;
     }
     if (!screenshots.empty()) PostMessageW(sheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
     road.WaitUntilReturned(INFINITE);
