@@ -17,11 +17,14 @@ source "$ROOT/scripts/lib/packages.sh"
 source "$ROOT/scripts/lib/wine-env.sh"
 source "$ROOT/scripts/lib/build.sh"
 source "$ROOT/scripts/lib/ctest-run.sh"
+source "$ROOT/scripts/lib/shell-extension.sh"
 
 install_missing_packages
 build_native
 build_windows
 start_windows_test_environment
+# The Korean, Japanese and Chinese pages under test get the glyphs a user's sheet gets.
+link_cjk_fonts
 
 status=0
 echo "== native portable core (ASan + UBSan, fuzzers) =="

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tests/pages/sheet_input.h"
+#include "tests/shellext/shell_registration.h"
 #include "tests/shellext/shellext_test_support.h"
 #include "tests/support/shell_properties_road.h"
 
@@ -26,36 +27,6 @@ constexpr DWORD kSheetWait = 20000;
 constexpr int kServerBox = 1006;
 constexpr int kLoginEdit = 1010;
 
-std::string SystemFolder() {
-    char folder[MAX_PATH + 1] = {};
-    GetSystemDirectoryA(folder, sizeof(folder));
-    return folder;
-}
-
-std::string WindowsFolder() {
-    char folder[MAX_PATH + 1] = {};
-    GetWindowsDirectoryA(folder, sizeof(folder));
-    return folder;
-}
-
-// Runs a program with its arguments and answers its exit code.
-DWORD RunProgram(const std::string& program, const std::string& arguments) {
-    std::string command = "\"" + program + "\" " + arguments;
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        return 0xFFFFFFFF;
-    }
-    WaitForSingleObject(process.hProcess, 60000);
-    DWORD code = 0xFFFFFFFF;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return code;
-}
-
-std::string DefaultValue(const std::string& key) { return ReadValue(HKEY_CLASSES_ROOT, key, nullptr).Text(); }
 
 std::vector<std::string> Titles(HWND sheet) {
     std::vector<std::string> titles;
@@ -75,36 +46,8 @@ HWND ShowPage(HWND sheet, const std::vector<std::string>& titles, const std::str
 
 void Press(HWND sheet, int button) { SendMessageA(sheet, PSM_PRESSBUTTON, static_cast<WPARAM>(button), 0); }
 
-// The built DLL in the Windows form of its path, as the registry holds it. It is registered
-// where it was built (no client beside it), not as a copy: the shell keeps the DLL loaded
-// until the process ends, so a copy could not be deleted afterwards.
-std::string BuiltDll() {
-    char full[MAX_PATH + 1] = {};
-    GetFullPathNameA(DllPath().c_str(), sizeof(full), full, nullptr);
-    return full;
-}
-
-// The built DLL registered with regsvr32 and the file type written from the same rows that
-// scripts/associate.sh writes; unregistering deletes both again.
-class ShellProperties : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_EQ(RunProgram(SystemFolder() + "\\regsvr32.exe", "/s \"" + dll_ + "\""), 0u);
-        ASSERT_EQ(RunProgram(WindowsFolder() + "\\regedit.exe", "/S \"" VQC_ASSOCIATION_REG "\""), 0u);
-        ASSERT_EQ(DefaultValue(".vqc"), "VCLIENT");
-        ASSERT_EQ(DefaultValue("CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32"), dll_);
-    }
-    void TearDown() override { RunProgram(SystemFolder() + "\\regsvr32.exe", "/u /s \"" + dll_ + "\""); }
-
-    std::string Connection(const std::string& name, const std::string& content) {
-        const std::string path = folder_.File(name);
-        WriteFileBytes(path, content);
-        return path;
-    }
-
-    TempFolder folder_{"shell-properties"};
-    std::string dll_ = BuiltDll();
-};
+// Each test with the DLL registered and the file type written.
+class ShellProperties : public ShellRegistration {};
 
 }  // namespace
 

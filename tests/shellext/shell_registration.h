@@ -1,0 +1,80 @@
+// The built DLL registered in the prefix's real class registry as an installer would (its own
+// regsvr32 and the file type's rows that scripts/associate.sh writes), so that Wine's shell
+// serves a connection file's Properties through it. Tests that use it share the real
+// HKEY_CLASSES_ROOT and run one at a time (RESOURCE_LOCK wine_classes_root).
+#pragma once
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/shellext/shellext_test_support.h"
+
+namespace test_support {
+
+inline std::string SystemFolder() {
+    char folder[MAX_PATH + 1] = {};
+    GetSystemDirectoryA(folder, sizeof(folder));
+    return folder;
+}
+
+inline std::string WindowsFolder() {
+    char folder[MAX_PATH + 1] = {};
+    GetWindowsDirectoryA(folder, sizeof(folder));
+    return folder;
+}
+
+// Runs a program with its arguments and answers its exit code.
+inline DWORD RunProgram(const std::string& program, const std::string& arguments) {
+    std::string command = "\"" + program + "\" " + arguments;
+    STARTUPINFOA startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return 0xFFFFFFFF;
+    }
+    const UniqueKernelHandle thread(process.hThread);
+    const UniqueKernelHandle running(process.hProcess);
+    WaitForSingleObject(running.Get(), 60000);
+    DWORD code = 0xFFFFFFFF;
+    GetExitCodeProcess(running.Get(), &code);
+    return code;
+}
+
+inline std::string DefaultValue(const std::string& key) { return ReadValue(HKEY_CLASSES_ROOT, key, nullptr).Text(); }
+
+// The built DLL in the Windows form of its path, as the registry holds it. It is registered
+// where it was built (no client beside it), not as a copy: the shell keeps the DLL loaded
+// until the process ends, so a copy could not be deleted afterwards.
+inline std::string BuiltDll() {
+    char full[MAX_PATH + 1] = {};
+    GetFullPathNameA(DllPath().c_str(), sizeof(full), full, nullptr);
+    return full;
+}
+
+// The built DLL registered with regsvr32 and the file type written from the same rows that
+// scripts/associate.sh writes; unregistering deletes both again.
+class ShellRegistration : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(RunProgram(SystemFolder() + "\\regsvr32.exe", "/s \"" + dll_ + "\""), 0u);
+        ASSERT_EQ(RunProgram(WindowsFolder() + "\\regedit.exe", "/S \"" VQC_ASSOCIATION_REG "\""), 0u);
+        ASSERT_EQ(DefaultValue(".vqc"), "VCLIENT");
+        ASSERT_EQ(DefaultValue("CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32"), dll_);
+    }
+    void TearDown() override { RunProgram(SystemFolder() + "\\regsvr32.exe", "/u /s \"" + dll_ + "\""); }
+
+    // A connection file of the test's own with the given content.
+    std::string Connection(const std::string& name, const std::string& content) {
+        const std::string path = folder_.File(name);
+        WriteFileBytes(path, content);
+        return path;
+    }
+
+    TempFolder folder_{"shell-properties"};
+    std::string dll_ = BuiltDll();
+};
+
+}  // namespace test_support
