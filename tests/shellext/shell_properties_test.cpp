@@ -13,9 +13,11 @@
 #include <string>
 #include <vector>
 
+#include "pages/connection_page_rules.h"
 #include "tests/pages/sheet_input.h"
 #include "tests/shellext/shellext_test_support.h"
 #include "tests/support/shell_properties_road.h"
+#include "tests/support/system_programs.h"
 
 using namespace test_support;
 using shell_road::PropertiesOnShellThread;
@@ -23,37 +25,8 @@ using shell_road::PropertiesOnShellThread;
 namespace {
 
 constexpr DWORD kSheetWait = 20000;
-constexpr int kServerBox = 1006;
-constexpr int kLoginEdit = 1010;
-
-std::string SystemFolder() {
-    char folder[MAX_PATH + 1] = {};
-    GetSystemDirectoryA(folder, sizeof(folder));
-    return folder;
-}
-
-std::string WindowsFolder() {
-    char folder[MAX_PATH + 1] = {};
-    GetWindowsDirectoryA(folder, sizeof(folder));
-    return folder;
-}
-
-// Runs a program with its arguments and answers its exit code.
-DWORD RunProgram(const std::string& program, const std::string& arguments) {
-    std::string command = "\"" + program + "\" " + arguments;
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        return 0xFFFFFFFF;
-    }
-    WaitForSingleObject(process.hProcess, 60000);
-    DWORD code = 0xFFFFFFFF;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return code;
-}
+using connection_page::kLoginEdit;
+using connection_page::kServerBox;
 
 std::string DefaultValue(const std::string& key) { return ReadValue(HKEY_CLASSES_ROOT, key, nullptr).Text(); }
 
@@ -112,13 +85,13 @@ TEST_F(ShellProperties, VerbOpensTheShellsGeneralPageThenConnectionProxyAndOptio
     const std::string file = Connection("office.vqc", "-h server.example -u tester ");
     PropertiesOnShellThread road({file});
     const HWND sheet = road.WaitForSheet(kSheetWait);
-    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.result();
+    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.Result();
     // Found only once shown, as a user meets it: before that it is still building its pages.
     EXPECT_TRUE(IsWindowVisible(sheet));
     EXPECT_EQ(Titles(sheet), (std::vector<std::string>{"General", "Connection", "Proxy", "Options"}));
     Press(sheet, PSBTN_CANCEL);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
-    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(road.Result(), S_OK);
 }
 
 TEST_F(ShellProperties, ServerTypedIntoTheConnectionPageIsWrittenOnOk) {
@@ -133,7 +106,7 @@ TEST_F(ShellProperties, ServerTypedIntoTheConnectionPageIsWrittenOnOk) {
     EXPECT_TRUE(page_test::ApplyEnabled(sheet));
     Press(sheet, PSBTN_OK);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
-    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(road.Result(), S_OK);
     EXPECT_EQ(ReadFileBytes(file), "-h office.example -u tester ");
 }
 
@@ -162,7 +135,7 @@ TEST_F(ShellProperties, CancelAfterAnEditWritesNothing) {
     ASSERT_TRUE(page_test::ApplyEnabled(sheet));
     Press(sheet, PSBTN_CANCEL);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
-    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(road.Result(), S_OK);
     EXPECT_EQ(ReadFileBytes(file), original);
 }
 
