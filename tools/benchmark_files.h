@@ -1,6 +1,6 @@
-// The files the benchmarks work on, written by the benchmarks themselves into a temporary
-// folder: connection files with drawn icons, the same images as an .ico file, shortcuts,
-// and where the built DLL is.
+// The files the benchmarks work on, written by the benchmarks themselves (into a
+// test_support::TempFolder): connection files with drawn icons, the same images as an .ico
+// file, shortcuts, and where the built DLL is.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "connection/icon_stream.h"
+#include "tests/support/test_icons.h"
 
 namespace benchmark_files {
 
@@ -15,25 +16,6 @@ namespace benchmark_files {
 // the program's own folder.
 std::string BuiltDllPath();
 
-std::wstring Wide(const std::string& text);
-
-// A fresh folder under %TEMP%, deleted with everything in it at the end.
-class Folder {
-public:
-    explicit Folder(const std::string& name);
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    std::string Path(const std::string& file) const { return path_ + "\\" + file; }
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
-// A square image of `size` pixels at 1, 4, 8, 24 or 32 bits per pixel, filled with a
-// pattern (and, at 32 bits, varying alpha).
-IconImage PatternImage(int size, int bitsPerPixel);
 // The largest square 32-bit image whose block the reader still decodes.
 IconImage LargestAcceptedImage();
 

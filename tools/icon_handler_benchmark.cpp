@@ -22,6 +22,8 @@
 #include "common/com_ptr.h"
 #include "connection/icon_stream.h"
 #include "shellext/vqcprop_ids.h"
+#include "tests/support/temp_folder.h"
+#include "tests/support/wide_text.h"
 #include "tools/benchmark_files.h"
 #include "tools/built_server.h"
 #include "tools/side_by_side.h"
@@ -155,32 +157,32 @@ int main(int argc, char** argv) {
         const benchmark_server::ExtensionServer ours(dllPath);
         const benchmark_server::SystemServer link(CLSID_ShellLink);
 
-        const benchmark_files::Folder folder("vqc-icon-benchmark");
-        const std::vector<IconImage> typical = {benchmark_files::PatternImage(32, 4),
-                                                benchmark_files::PatternImage(16, 4)};
+        const test_support::TempFolder folder("icon-benchmark");
+        const std::vector<IconImage> typical = {MakeTestIconImage(32, 4),
+                                                MakeTestIconImage(16, 4)};
         const std::vector<IconImage> largest = {benchmark_files::LargestAcceptedImage(),
-                                                benchmark_files::PatternImage(16, 32)};
+                                                MakeTestIconImage(16, 32)};
         std::vector<Case> cases;
         auto addIconCase = [&](const std::string& name, const char* stem, const std::vector<IconImage>& images,
                                std::size_t fileBytes) {
-            const std::string vqc = folder.Path(std::string(stem) + ".vqc");
-            const std::string ico = folder.Path(std::string(stem) + ".ico");
-            const std::string lnk = folder.Path(std::string(stem) + ".lnk");
+            const std::string vqc = folder.File(std::string(stem) + ".vqc");
+            const std::string ico = folder.File(std::string(stem) + ".ico");
+            const std::string lnk = folder.File(std::string(stem) + ".lnk");
             const std::size_t written = benchmark_files::WriteConnectionFile(vqc, images, fileBytes);
             benchmark_files::WriteIconFile(ico, images);
             benchmark_files::WriteShortcut(lnk, ico, 0);
-            cases.push_back({name + " (" + std::to_string(written) + " bytes)", benchmark_files::Wide(vqc),
-                             benchmark_files::Wide(lnk)});
+            cases.push_back({name + " (" + std::to_string(written) + " bytes)", test_support::Wide(vqc),
+                             test_support::Wide(lnk)});
         };
         addIconCase("file with a 32x32 and a 16x16 icon at 4 bits", "typical", typical, 0);
         {
-            const std::string vqc = folder.Path("plain.vqc");
-            const std::string lnk = folder.Path("plain.lnk");
+            const std::string vqc = folder.File("plain.vqc");
+            const std::string lnk = folder.File("plain.lnk");
             const std::size_t written = benchmark_files::WriteConnectionFile(vqc, {}, 0);
             // Both end at the DLL's own icon: ours names it, the shortcut points at it.
             benchmark_files::WriteShortcut(lnk, dllPath, 0);
             cases.push_back({"file without an icon (" + std::to_string(written) + " bytes)",
-                             benchmark_files::Wide(vqc), benchmark_files::Wide(lnk)});
+                             test_support::Wide(vqc), test_support::Wide(lnk)});
         }
         addIconCase("100 KB file with the largest icon the reader takes", "largest", largest, 100 * 1024);
 

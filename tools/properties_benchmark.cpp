@@ -18,9 +18,15 @@
 #include <vector>
 
 #include "common/com_ptr.h"
+#include "pages/connection_page.h"
+#include "pages/option_page.h"
+#include "pages/proxy_page.h"
 #include "resources/dialog_template.h"
 #include "resources/local_string_cache.h"
 #include "shellext/vqcprop_ids.h"
+#include "tests/support/modeless_sheet.h"
+#include "tests/support/shell_selection.h"
+#include "tests/support/temp_folder.h"
 #include "tools/benchmark_files.h"
 #include "tools/built_server.h"
 #include "tools/side_by_side.h"
@@ -32,37 +38,23 @@ struct PageText {
     std::uint32_t titleStringId;
 };
 // The sheet as the extension builds it when no client is installed: all three pages.
-constexpr PageText kPages[] = {{1, 21}, {2, 48}, {3, 23}};
-
-void PumpMessages() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-}
+constexpr PageText kPages[] = {{CVQCConnectionPage::kTemplateIndex, CVQCConnectionPage::kTitleStringId},
+                                {CVQCProxyPage::kTemplateIndex, CVQCProxyPage::kTitleStringId},
+                                {CVQCOptionPage::kTemplateIndex, CVQCOptionPage::kTitleStringId}};
 
 // Shows the pages in a modeless sheet, has every page create its window, destroys the
 // sheet (which releases every page). True when all page windows were made.
 bool ShowEveryPageAndClose(std::vector<HPROPSHEETPAGE>& pages) {
     if (pages.empty()) return false;
-    PROPSHEETHEADERA header{};
-    header.dwSize = sizeof(header);
-    header.dwFlags = PSH_MODELESS | PSH_PROPTITLE;
-    header.hInstance = GetModuleHandleA(nullptr);
-    header.pszCaption = "connection";
-    header.nPages = static_cast<UINT>(pages.size());
-    header.phpage = pages.data();
-    const INT_PTR result = PropertySheetA(&header);
-    if (result == 0 || result == -1) return false;
-    const HWND sheet = GetAncestor(reinterpret_cast<HWND>(result), GA_ROOT);
+    const HWND sheet = test_support::ShowModelessSheet(pages, "connection", PSH_PROPTITLE);
+    if (!sheet) return false;
     bool everyPage = true;
     for (std::size_t i = 0; i < pages.size(); ++i) {
         SendMessageA(sheet, PSM_SETCURSEL, i, 0);
         everyPage = everyPage && SendMessageA(sheet, PSM_INDEXTOHWND, i, 0) != 0;
     }
     DestroyWindow(sheet);
-    PumpMessages();
+    test_support::PumpMessages();
     return everyPage;
 }
 
@@ -108,20 +100,6 @@ bool FloorCycle(const FloorPages& floor) {
     return ShowEveryPageAndClose(pages);
 }
 
-// The shell's own data object for the selection of one file, as its Properties verb has it.
-ComPtr<IDataObject> ShellSelectionOf(const std::string& path) {
-    ComPtr<IDataObject> selection;
-    PIDLIST_ABSOLUTE item = nullptr;
-    if (FAILED(SHParseDisplayName(benchmark_files::Wide(path).c_str(), nullptr, &item, 0, nullptr)))
-        return selection;
-    ComPtr<IShellFolder> folder;
-    PCUITEMID_CHILD child = nullptr;
-    if (SUCCEEDED(SHBindToParent(item, IID_IShellFolder, folder.PutVoid(), &child)))
-        folder->GetUIObjectOf(nullptr, 1, &child, IID_IDataObject, nullptr, selection.PutVoid());
-    CoTaskMemFree(item);
-    return selection;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -131,11 +109,11 @@ int main(int argc, char** argv) {
     InitCommonControlsEx(&controls);
     {
         const benchmark_server::ExtensionServer ours(benchmark_files::BuiltDllPath());
-        const benchmark_files::Folder folder("vqc-properties-benchmark");
-        const std::string file = folder.Path("office.vqc");
+        const test_support::TempFolder folder("properties-benchmark");
+        const std::string file = folder.File("office.vqc");
         const std::size_t written = benchmark_files::WriteConnectionFile(
-            file, {benchmark_files::PatternImage(32, 4), benchmark_files::PatternImage(16, 4)}, 0);
-        const ComPtr<IDataObject> selection = ShellSelectionOf(file);
+            file, {MakeTestIconImage(32, 4), MakeTestIconImage(16, 4)}, 0);
+        const ComPtr<IDataObject> selection = test_support::ShellSelection({file});
         if (!selection) {
             std::fprintf(stderr, "the shell gave no selection for %s\n", file.c_str());
             return 1;

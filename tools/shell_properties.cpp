@@ -107,7 +107,7 @@ int main(int argc, char** argv) {
     if (!sheet) {
         road.WaitUntilReturned(kSheetWait);
         char code[16];
-        wsprintfA(code, "0x%08lX", static_cast<unsigned long>(road.result()));
+        wsprintfA(code, "0x%08lX", static_cast<unsigned long>(road.Result()));
         Print(err, "shell_properties: the shell opened no property sheet for " + file + " (verb result " + code +
                        ")\n");
         return kExitFailed;
@@ -131,6 +131,6 @@ int main(int argc, char** argv) {
     }
     if (!screenshots.empty()) PostMessageW(sheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
     road.WaitUntilReturned(INFINITE);
-    if (FAILED(road.result())) status = kExitFailed;
+    if (FAILED(road.Result())) status = kExitFailed;
     return status;
 }

@@ -22,51 +22,14 @@
 #include "connection/icon_stream.h"
 #include "connection/option_walk.h"
 #include "connection/vqc_file_info.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/temp_folder.h"
+#include "tests/support/test_icons.h"
+#include "tools/side_by_side.h"
 
 namespace {
 
-double Now() {
-    static const double frequency = [] {
-        LARGE_INTEGER f;
-        QueryPerformanceFrequency(&f);
-        return static_cast<double>(f.QuadPart);
-    }();
-    LARGE_INTEGER t;
-    QueryPerformanceCounter(&t);
-    return static_cast<double>(t.QuadPart) / frequency;
-}
-
-IconImage PatternImage(int size) {
-    IconImageFormat f;
-    f.width = f.height = size;
-    f.planes = 1;
-    f.bitsPerPixel = 4;
-    std::vector<std::uint8_t> table(64);
-    for (int i = 0; i < 64; ++i) table[i] = static_cast<std::uint8_t>(i * 5);
-    std::vector<std::uint8_t> xorBits(std::size_t{XorRowBytes(f)} * size);
-    for (std::size_t i = 0; i < xorBits.size(); ++i) xorBits[i] = static_cast<std::uint8_t>(i * 13);
-    std::vector<std::uint8_t> andBits(std::size_t{AndRowBytes(f)} * size, 0x81);
-    return IconImage::Make(f, table, xorBits, andBits);
-}
-
-std::string HexOf(const std::vector<std::uint8_t>& stream) {
-    std::string text(HexTextLength(stream.size()), '\0');
-    WriteHexText(text.data(), stream.data(), stream.size());
-    return text;
-}
-
-std::string TempPath(const char* name) {
-    char folder[MAX_PATH + 1] = {};
-    GetTempPathA(sizeof(folder), folder);
-    return std::string(folder) + name;
-}
-
-void WriteWholeFile(const std::string& path, const std::string& content) {
-    const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                              FILE_ATTRIBUTE_NORMAL, nullptr));
-    DWORD written = 0;
-    WriteFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
-}
+using side_by_side::Now;
 
 struct Images {
     std::vector<std::uint8_t> large, small;
@@ -203,17 +166,18 @@ void Measure(const char* name, const std::string& path, const Images& images, in
 int main(int argc, char** argv) {
     const int iterations = argc > 1 ? std::max(1, std::atoi(argv[1])) : 2000;
 
-    const IconImage images[] = {PatternImage(32), PatternImage(16)};
+    const IconImage images[] = {MakeTestIconImage(32, 4), MakeTestIconImage(16, 4)};
     const std::vector<std::uint8_t> stream = BuildIconStream(images, 2);
     const std::string typical = "-h server.example.com -V 5000 -l -c admin@proxy.example.com:3128 -v terminal "
-                                "-u bob \r\n-I \"" + HexOf(stream) + "\" -C bookmarks/main";
-    const std::string typicalPath = TempPath("vqc-benchmark-typical.vqc");
-    WriteWholeFile(typicalPath, typical);
+                                "-u bob \r\n-I \"" + HexTextOf(stream) + "\" -C bookmarks/main";
+    const test_support::TempFolder folder("read-benchmark");
+    const std::string typicalPath = folder.File("typical.vqc");
+    WriteFileBytes(typicalPath, typical);
 
     std::string words = "-h server -C";
     while (words.size() < (1u << 20)) words += " word" + std::to_string(words.size() % 997);
-    const std::string bigPath = TempPath("vqc-benchmark-1mb.vqc");
-    WriteWholeFile(bigPath, words);
+    const std::string bigPath = folder.File("1mb.vqc");
+    WriteFileBytes(bigPath, words);
 
     // One side alone on the 1 MB file, for counting what it costs outside the program
     // (perf stat -e minor-faults on this process, once with each side).
@@ -225,8 +189,6 @@ int main(int argc, char** argv) {
             else
                 FloorOnce(bigPath, Images{});
         }
-        DeleteFileA(typicalPath.c_str());
-        DeleteFileA(bigPath.c_str());
         return 0;
     }
 
@@ -245,7 +207,5 @@ int main(int argc, char** argv) {
         Breakdown(bigPath, std::max(5, iterations / 20));
     }
 
-    DeleteFileA(typicalPath.c_str());
-    DeleteFileA(bigPath.c_str());
     return 0;
 }

@@ -8,7 +8,7 @@
 
 #include "connection/vqc_file_info.h"
 #include "test_files.h"
-#include "test_icons.h"
+#include "tests/support/test_icons.h"
 
 namespace {
 

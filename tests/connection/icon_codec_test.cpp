@@ -10,7 +10,7 @@
 #include "common/win_handles.h"
 #include "connection/icon_codec.h"
 #include "connection/icon_stream.h"
-#include "test_icons.h"
+#include "tests/support/test_icons.h"
 #include "tests/connection/icon_pixels.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "common/win_handles.h"
-#include "tests/connection/test_icons.h"
+#include "tests/support/test_icons.h"
 
 // The pixels of a bitmap read at 32 bits per pixel, and its mask at 1 bit per pixel.
 struct Pixels {

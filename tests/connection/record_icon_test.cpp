@@ -8,7 +8,7 @@
 #include "connection/icon_codec.h"
 #include "connection/icon_stream.h"
 #include "connection/record_icon.h"
-#include "test_icons.h"
+#include "tests/support/test_icons.h"
 #include "tests/connection/icon_pixels.h"
 
 namespace {

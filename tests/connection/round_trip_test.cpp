@@ -12,7 +12,7 @@
 #include "connection/address_split.h"
 #include "connection/vqc_file_info.h"
 #include "test_files.h"
-#include "test_icons.h"
+#include "tests/support/test_icons.h"
 
 namespace {
 

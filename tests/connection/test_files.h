@@ -7,7 +7,7 @@
 #include <atomic>
 #include <string>
 
-#include "tests/file_bytes.h"
+#include "tests/support/file_bytes.h"
 
 class TempFile {
 public:

@@ -11,7 +11,7 @@
 #include "connection/option_line.h"
 #include "connection/vqc_file_info.h"
 #include "test_files.h"
-#include "test_icons.h"
+#include "tests/support/test_icons.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "test_files.h"
-#include "test_icons.h"
+#include "tests/support/test_icons.h"
 
 namespace {
 

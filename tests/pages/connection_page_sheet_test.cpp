@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "pages/connection_page_rules.h"
+#include "tests/pages/connection_page_texts.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/pages/sheet_input.h"
 
@@ -19,19 +21,10 @@ using namespace page_test;
 
 namespace {
 
-constexpr int kConnectionTypeList = 1002;
-constexpr int kServerBox = 1006;
-constexpr int kLoginTypeList = 1008;
-constexpr int kEncryptionCheck = 1023;
-
-constexpr char kRemote[] = "Connect to remote server";
-constexpr char kLocal[] = "Connect locally";
-constexpr char kDiscovery[] = "Discover service";
-constexpr char kAlwaysRequirePassword[] = "Always require password";
-constexpr char kCachePassword[] = "Cache password";
-constexpr char kTextWindow[] = "Text window on connect";
-constexpr char kNtDomain[] = "NT domain authentication";
-constexpr char kNtNoLogon[] = "NT no logon";
+using connection_page::kConnectionTypeList;
+using connection_page::kEncryptionCheck;
+using connection_page::kLoginTypeList;
+using connection_page::kServerBox;
 
 // What the page must offer and show for one installed client.
 struct ClientCase {

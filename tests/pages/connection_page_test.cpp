@@ -9,6 +9,7 @@
 #include <set>
 
 #include "runtime/module_runtime.h"
+#include "tests/pages/connection_page_texts.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/pages/sheet_input.h"
 
@@ -17,16 +18,6 @@ using namespace connection_page;
 using test_support::PrivateCurrentUser;
 
 namespace {
-
-constexpr char kRemote[] = "Connect to remote server";
-constexpr char kLocal[] = "Connect locally";
-constexpr char kDiscovery[] = "Discover service";
-constexpr char kAlwaysRequirePassword[] = "Always require password";
-constexpr char kCachePassword[] = "Cache password";
-constexpr char kTextWindow[] = "Text window on connect";
-constexpr char kNtDomain[] = "NT domain authentication";
-constexpr char kNtNoLogon[] = "NT no logon";
-constexpr char kWindowsDomain[] = "Use Windows domain credentials";
 
 // The domain check's answers for the records of this process.
 int g_domainQuestions = 0;

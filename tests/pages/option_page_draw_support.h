@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/file_bytes.h"
+#include "tests/support/file_bytes.h"
 #include "tests/pages/option_page_test_support.h"
 
 namespace option_test {

@@ -14,6 +14,7 @@
 #include "pages/option_page.h"
 #include "tests/pages/option_page_draw_support.h"
 #include "tests/pages/option_page_test_support.h"
+#include "tests/support/pixel_section.h"
 #include "tests/registration/registry_test_support.h"
 #include "tests/window_assertions.h"
 
@@ -45,36 +46,20 @@ class Canvas {
 public:
     static constexpr std::uint32_t kUntouched = 0x123456;
 
-    Canvas(int width, int height) : width_(width), height_(height) {
-        BITMAPINFO info{};
-        info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-        info.bmiHeader.biWidth = width;
-        info.bmiHeader.biHeight = -height;
-        info.bmiHeader.biPlanes = 1;
-        info.bmiHeader.biBitCount = 32;
-        info.bmiHeader.biCompression = BI_RGB;
-        bitmap_.Reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits_, nullptr, 0));
+    Canvas(int width, int height) : section_(width, height) {
         dc_.Reset(CreateCompatibleDC(nullptr));
-        old_ = SelectObject(dc_.Get(), bitmap_.Get());
-        for (int i = 0; i < width * height; ++i) static_cast<std::uint32_t*>(bits_)[i] = kUntouched;
+        old_ = SelectObject(dc_.Get(), section_.Bitmap());
+        for (int i = 0; i < width * height; ++i) section_.Bits()[i] = kUntouched;
     }
     ~Canvas() { SelectObject(dc_.Get(), old_); }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
     HDC dc() const { return dc_.Get(); }
-    std::vector<std::uint32_t> Pixels() const {
-        GdiFlush();
-        const auto* p = static_cast<const std::uint32_t*>(bits_);
-        std::vector<std::uint32_t> pixels;
-        for (int i = 0; i < width_ * height_; ++i) pixels.push_back(p[i] & 0x00FFFFFF);
-        return pixels;
-    }
+    std::vector<std::uint32_t> Pixels() const { return section_.Pixels(); }
 
 private:
-    int width_, height_;
-    void* bits_ = nullptr;
-    UniqueGdiObject bitmap_;
+    test_support::PixelSection section_;
     UniqueMemoryDC dc_;
     HGDIOBJ old_ = nullptr;
 };

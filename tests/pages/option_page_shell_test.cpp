@@ -10,7 +10,7 @@
 
 #include "common/win_handles.h"
 #include "connection/vqc_file_info.h"
-#include "tests/connection/test_icons.h"
+#include "tests/support/test_icons.h"
 #include "tests/pages/page_test_support.h"
 
 using namespace page_test;

@@ -13,7 +13,7 @@
 #include "common/win_handles.h"
 #include "connection/vqc_file_info.h"
 #include "pages/option_page.h"
-#include "tests/connection/test_icons.h"
+#include "tests/support/test_icons.h"
 #include "tests/pages/page_test_support.h"
 
 namespace option_test {
@@ -115,27 +115,15 @@ inline std::vector<std::uint32_t> WindowPixels(HWND window, const RECT& area) {
     page_test::PumpMessages();
     const int width = area.right - area.left;
     const int height = area.bottom - area.top;
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    void* bits = nullptr;
-    const UniqueGdiObject section(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    std::vector<std::uint32_t> pixels;
-    if (!section || !bits || width <= 0 || height <= 0) return pixels;
+    const test_support::PixelSection section(width, height);
+    if (!section) return {};
     {
         const WindowDC source(window);
         const UniqueMemoryDC copy(CreateCompatibleDC(source.Get()));
-        const SelectedObject selected(copy.Get(), section.Get());
+        const SelectedObject selected(copy.Get(), section.Bitmap());
         BitBlt(copy.Get(), 0, 0, width, height, source.Get(), area.left, area.top, SRCCOPY);
-        GdiFlush();
     }
-    const auto* p = static_cast<const std::uint32_t*>(bits);
-    for (int i = 0; i < width * height; ++i) pixels.push_back(p[i] & 0x00FFFFFF);
-    return pixels;
+    return section.Pixels();
 }
 
 }  // namespace option_test

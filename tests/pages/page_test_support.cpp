@@ -2,19 +2,7 @@
 
 #include <utility>
 
-namespace {
-
-// A modeless PropertySheetA answers its window as an INT_PTR, which comes back
-// sign-extended when the handle's bit 31 is set, while GetParent and friends answer the
-// same window zero-extended. The system's own form is what the tests compare with.
-HWND SheetWindowFromResult(INT_PTR result) {
-    if (result == -1 || result == 0) return nullptr;
-    const HWND window = reinterpret_cast<HWND>(result);
-    const HWND own = GetAncestor(window, GA_ROOT);
-    return own ? own : window;
-}
-
-}  // namespace
+#include "tests/support/wide_text.h"
 
 namespace page_test {
 
@@ -52,47 +40,10 @@ void ExtensionCopy::Unload() {
     module_ = nullptr;
 }
 
-// --- The shell's data object ---------------------------------------------------------------
-
-namespace {
-std::wstring Wide(const std::string& text) {
-    std::wstring wide(text.size() + 1, L'\0');
-    const int length = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
-    wide.resize(length > 0 ? length - 1 : 0);
-    return wide;
-}
-}  // namespace
-
-ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) {
-    std::vector<std::wstring> wide;
-    for (const std::string& file : files) wide.push_back(Wide(file));
-    return ShellSelection(wide);
-}
-
-ComPtr<IDataObject> ShellSelection(const std::vector<std::wstring>& files) {
-    std::vector<PIDLIST_ABSOLUTE> absolute;
-    for (const std::wstring& file : files) {
-        PIDLIST_ABSOLUTE pidl = nullptr;
-        if (SUCCEEDED(SHParseDisplayName(file.c_str(), nullptr, &pidl, 0, nullptr))) absolute.push_back(pidl);
-    }
-    ComPtr<IDataObject> data;
-    if (absolute.size() == files.size() && !absolute.empty()) {
-        ComPtr<IShellFolder> parent;
-        if (SUCCEEDED(SHBindToParent(absolute[0], IID_IShellFolder, parent.PutVoid(), nullptr))) {
-            std::vector<PCUITEMID_CHILD> children;
-            for (PIDLIST_ABSOLUTE pidl : absolute) children.push_back(ILFindLastID(pidl));
-            parent->GetUIObjectOf(nullptr, static_cast<UINT>(children.size()), children.data(), IID_IDataObject,
-                                  nullptr, data.PutVoid());
-        }
-    }
-    for (PIDLIST_ABSOLUTE pidl : absolute) CoTaskMemFree(pidl);
-    return data;
-}
-
 // --- ShellPropertySheet ---------------------------------------------------------------------
 
 ShellPropertySheet::ShellPropertySheet(GetClassObjectFunction getClassObject, const std::string& file)
-    : getClassObject_(getClassObject), file_(file), wideFile_(Wide(file)) {}
+    : getClassObject_(getClassObject), file_(file), wideFile_(test_support::Wide(file)) {}
 
 ShellPropertySheet::ShellPropertySheet(GetClassObjectFunction getClassObject, const std::wstring& file)
     : getClassObject_(getClassObject), wideFile_(file) {}
@@ -136,16 +87,7 @@ HRESULT ShellPropertySheet::AddPages() {
 
 HWND ShellPropertySheet::Show() {
     if (accepted_.empty()) return nullptr;
-    PROPSHEETHEADERA header{};
-    header.dwSize = sizeof(header);
-    header.dwFlags = PSH_MODELESS | PSH_PROPTITLE;
-    header.hInstance = GetModuleHandleA(nullptr);
-    header.pszCaption = "connection";
-    header.nPages = static_cast<UINT>(accepted_.size());
-    header.phpage = accepted_.data();
-    const INT_PTR result = PropertySheetA(&header);
-    sheet_ = SheetWindowFromResult(result);
-    PumpMessages();
+    sheet_ = test_support::ShowModelessSheet(accepted_, "connection", PSH_PROPTITLE);
     return sheet_;
 }
 
@@ -171,16 +113,7 @@ DirectSheet::~DirectSheet() {
 }
 
 HWND DirectSheet::Show() {
-    PROPSHEETHEADERA header{};
-    header.dwSize = sizeof(header);
-    header.dwFlags = PSH_MODELESS;
-    header.hInstance = GetModuleHandleA(nullptr);
-    header.pszCaption = "direct";
-    header.nPages = static_cast<UINT>(pages_.size());
-    header.phpage = pages_.data();
-    const INT_PTR result = PropertySheetA(&header);
-    sheet_ = SheetWindowFromResult(result);
-    PumpMessages();
+    sheet_ = test_support::ShowModelessSheet(pages_, "direct");
     return sheet_;
 }
 
@@ -192,14 +125,6 @@ void DirectSheet::Destroy() {
 }
 
 // --- Driving a sheet -------------------------------------------------------------------------
-
-void PumpMessages() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-}
 
 HWND PageWindow(HWND sheet, int index) {
     return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_INDEXTOHWND, static_cast<WPARAM>(index), 0));

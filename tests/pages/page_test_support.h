@@ -26,14 +26,19 @@
 
 #include "common/com_ptr.h"
 #include "common/same_window.h"
-#include "tests/file_bytes.h"
+#include "tests/support/file_bytes.h"
 #include "tests/pages/sheet_input.h"
 #include "tests/registration/registry_test_support.h"
+#include "tests/support/modeless_sheet.h"
+#include "tests/support/shell_selection.h"
+#include "tests/support/temp_folder.h"
 
 class VQCFileInfo;
 
 namespace page_test {
 
+using test_support::PumpMessages;
+using test_support::ShellSelection;
 using test_support::TempFolder;
 
 // {5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}
@@ -83,10 +88,6 @@ private:
     std::string dllPath_;
     HMODULE module_ = nullptr;
 };
-
-// The shell's data object for a selection of files in a folder view (CF_HDROP).
-ComPtr<IDataObject> ShellSelection(const std::vector<std::wstring>& files);
-ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files);
 
 // One file's Properties as the shell assembles them.
 class ShellPropertySheet {
@@ -171,8 +172,6 @@ private:
 };
 
 // --- Driving a sheet ---------------------------------------------------------------
-// Handles the messages waiting for this thread.
-void PumpMessages();
 // The window of page `index`; null until the sheet has created it (when first shown).
 HWND PageWindow(HWND sheet, int index);
 HWND CurrentPage(HWND sheet);

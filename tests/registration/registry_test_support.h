@@ -5,20 +5,14 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <string>
 #include <vector>
 
 #include "common/win_handles.h"
-#include "tests/file_bytes.h"
+#include "tests/support/file_bytes.h"
+#include "tests/support/temp_folder.h"
 
 namespace test_support {
-
-inline std::string UniqueTag(const std::string& tag) {
-    static std::atomic<unsigned> counter{0};
-    return tag + "-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(counter++) + "-" +
-           std::to_string(GetTickCount());
-}
 
 // Deletes a key and everything below it (test clean-up only).
 inline void RemoveTree(HKEY parent, const std::string& name) {
@@ -174,46 +168,6 @@ inline std::string SystemErrorText(DWORD code) {
     if (buffer) LocalFree(buffer);
     return text.empty() ? "??" : text;
 }
-
-// A temporary folder of the test's own, removed with its files at the end.
-class TempFolder {
-public:
-    explicit TempFolder(const std::string& tag) {
-        char base[MAX_PATH + 1] = {};
-        GetTempPathA(sizeof(base), base);
-        path_ = std::string(base) + UniqueTag("vqc-" + tag);
-        CreateDirectoryA(path_.c_str(), nullptr);
-    }
-    ~TempFolder() { RemoveFolder(path_); }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    const std::string& path() const { return path_; }
-    std::string File(const std::string& name) const { return path_ + "\\" + name; }
-
-private:
-    static void RemoveFolder(const std::string& folder) {
-        WIN32_FIND_DATAA found;
-        HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
-        if (search != INVALID_HANDLE_VALUE) {
-            do {
-                const std::string name = found.cFileName;
-                if (name == "." || name == "..") continue;
-                const std::string full = folder + "\\" + name;
-                if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-                    RemoveFolder(full);
-                } else {
-                    SetFileAttributesA(full.c_str(), FILE_ATTRIBUTE_NORMAL);
-                    DeleteFileA(full.c_str());
-                }
-            } while (FindNextFileA(search, &found));
-            FindClose(search);
-        }
-        RemoveDirectoryA(folder.c_str());
-    }
-
-    std::string path_;
-};
 
 inline bool FileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 

@@ -107,7 +107,7 @@ TEST(ClientProbe, ClientsElsewhereAreNeverLookedFor) {
     programFolder.resize(programFolder.rfind('\\'));
     const std::string besideProgram = programFolder + "\\vclientu.dll";
     ASSERT_TRUE(CopyInto(FixturePath("client_7"), besideProgram));
-    SetCurrentDirectoryA(current.path().c_str());
+    SetCurrentDirectoryA(current.Path().c_str());
     bool found = true;
     const std::string path = Probe(extension, &found);
     DeleteFileA(besideProgram.c_str());

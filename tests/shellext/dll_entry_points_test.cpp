@@ -170,7 +170,7 @@ TEST(DllFailureLog, UnsetVariableCreatesNoFileEvenWhenWritesFail) {
     SetEnvironmentVariableA(kVariable, nullptr);
     LoadedDll dll("dll-log-unset");
     ASSERT_NE(dll.module(), nullptr);
-    SetCurrentDirectoryA(dll.folder().path().c_str());
+    SetCurrentDirectoryA(dll.folder().Path().c_str());
     EXPECT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), static_cast<HRESULT>(0x800703FD));
     dll.Unload();
     WIN32_FIND_DATAA found;

@@ -11,6 +11,7 @@
 
 #include "common/com_ptr.h"
 #include "tests/shellext/shellext_test_support.h"
+#include "tests/support/system_programs.h"
 
 using namespace test_support;
 
@@ -22,23 +23,7 @@ const std::string kClassKey = "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}";
 const std::string kAppId = "{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}";
 
 // Runs the system's regsvr32 and answers its exit code.
-DWORD RunRegsvr32(const std::string& arguments) {
-    char system[MAX_PATH + 1] = {};
-    GetSystemDirectoryA(system, sizeof(system));
-    std::string command = "\"" + std::string(system) + "\\regsvr32.exe\" " + arguments;
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        return 0xFFFFFFFF;
-    }
-    WaitForSingleObject(process.hProcess, 60000);
-    DWORD code = 0xFFFFFFFF;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return code;
-}
+DWORD RunRegsvr32(const std::string& arguments) { return RunProgram(SystemFolder() + "\\regsvr32.exe", arguments); }
 
 // A copy of the DLL registered with regsvr32 for the test's length.
 class RegisteredDll : public ::testing::Test {

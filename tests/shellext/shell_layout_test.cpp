@@ -38,7 +38,7 @@ TEST_F(ShellLayout, EveryPageOfOursFollowsItsMapInsideTheShellsSheet) {
     const std::string file = Connection("office.vqc", kLine);
     shell_road::PropertiesOnShellThread road({file});
     const HWND sheet = road.WaitForSheet(kSheetWait);
-    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.result();
+    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.Result();
     // The shell's General page first, then ours.
     struct OurPage {
         int index;

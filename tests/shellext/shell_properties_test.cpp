@@ -13,10 +13,12 @@
 #include <string>
 #include <vector>
 
+#include "pages/connection_page_rules.h"
 #include "tests/pages/sheet_input.h"
 #include "tests/shellext/shell_registration.h"
 #include "tests/shellext/shellext_test_support.h"
 #include "tests/support/shell_properties_road.h"
+#include "tests/support/system_programs.h"
 
 using namespace test_support;
 using shell_road::PropertiesOnShellThread;
@@ -24,8 +26,8 @@ using shell_road::PropertiesOnShellThread;
 namespace {
 
 constexpr DWORD kSheetWait = 20000;
-constexpr int kServerBox = 1006;
-constexpr int kLoginEdit = 1010;
+using connection_page::kLoginEdit;
+using connection_page::kServerBox;
 
 
 std::vector<std::string> Titles(HWND sheet) {
@@ -55,13 +57,13 @@ TEST_F(ShellProperties, VerbOpensTheShellsGeneralPageThenConnectionProxyAndOptio
     const std::string file = Connection("office.vqc", "-h server.example -u tester ");
     PropertiesOnShellThread road({file});
     const HWND sheet = road.WaitForSheet(kSheetWait);
-    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.result();
+    ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.Result();
     // Found only once shown, as a user meets it: before that it is still building its pages.
     EXPECT_TRUE(IsWindowVisible(sheet));
     EXPECT_EQ(Titles(sheet), (std::vector<std::string>{"General", "Connection", "Proxy", "Options"}));
     Press(sheet, PSBTN_CANCEL);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
-    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(road.Result(), S_OK);
 }
 
 TEST_F(ShellProperties, ServerTypedIntoTheConnectionPageIsWrittenOnOk) {
@@ -76,7 +78,7 @@ TEST_F(ShellProperties, ServerTypedIntoTheConnectionPageIsWrittenOnOk) {
     EXPECT_TRUE(page_test::ApplyEnabled(sheet));
     Press(sheet, PSBTN_OK);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
-    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(road.Result(), S_OK);
     EXPECT_EQ(ReadFileBytes(file), "-h office.example -u tester ");
 }
 
@@ -105,7 +107,7 @@ TEST_F(ShellProperties, CancelAfterAnEditWritesNothing) {
     ASSERT_TRUE(page_test::ApplyEnabled(sheet));
     Press(sheet, PSBTN_CANCEL);
     ASSERT_TRUE(road.WaitUntilReturned(kSheetWait));
-    EXPECT_EQ(road.result(), S_OK);
+    EXPECT_EQ(road.Result(), S_OK);
     EXPECT_EQ(ReadFileBytes(file), original);
 }
 

@@ -13,6 +13,7 @@
 #include "shellext/vqcprop_module.h"
 #include "tests/connection/icon_pixels.h"
 #include "tests/shellext/shellext_test_support.h"
+#include "tests/support/shell_selection.h"
 
 using namespace test_support;
 
@@ -35,27 +36,6 @@ ComPtr<Interface> As(const ComPtr<IUnknown>& object, REFIID iid) {
     ComPtr<Interface> result;
     EXPECT_EQ(object->QueryInterface(iid, result.PutVoid()), S_OK);
     return result;
-}
-
-// The data object the shell hands over for a selection in a folder view.
-ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) {
-    std::vector<PIDLIST_ABSOLUTE> absolute;
-    for (const std::string& file : files) {
-        PIDLIST_ABSOLUTE pidl = nullptr;
-        if (SUCCEEDED(SHParseDisplayName(Wide(file).c_str(), nullptr, &pidl, 0, nullptr))) absolute.push_back(pidl);
-    }
-    ComPtr<IDataObject> data;
-    if (absolute.size() == files.size() && !absolute.empty()) {
-        ComPtr<IShellFolder> parent;
-        if (SUCCEEDED(SHBindToParent(absolute[0], IID_IShellFolder, parent.PutVoid(), nullptr))) {
-            std::vector<PCUITEMID_CHILD> children;
-            for (PIDLIST_ABSOLUTE pidl : absolute) children.push_back(ILFindLastID(pidl));
-            parent->GetUIObjectOf(nullptr, static_cast<UINT>(children.size()), children.data(), IID_IDataObject,
-                                  nullptr, data.PutVoid());
-        }
-    }
-    for (PIDLIST_ABSOLUTE pidl : absolute) CoTaskMemFree(pidl);
-    return data;
 }
 
 std::string OwnModulePath() {

@@ -7,41 +7,11 @@
 #include <utility>
 
 #include "common/com_ptr.h"
+#include "tests/support/shell_selection.h"
 
 namespace shell_road {
 
 namespace {
-
-std::wstring Wide(const std::string& text) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
-    if (length <= 0) return {};
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), length);
-    wide.resize(static_cast<std::size_t>(length - 1));
-    return wide;
-}
-
-// Absolute item ids, freed with the owner.
-class ItemIds {
-public:
-    ItemIds() = default;
-    ~ItemIds() {
-        for (PIDLIST_ABSOLUTE id : ids_) CoTaskMemFree(id);
-    }
-    ItemIds(const ItemIds&) = delete;
-    ItemIds& operator=(const ItemIds&) = delete;
-
-    HRESULT Parse(const std::string& path) {
-        PIDLIST_ABSOLUTE id = nullptr;
-        const HRESULT result = SHParseDisplayName(Wide(path).c_str(), nullptr, &id, 0, nullptr);
-        if (SUCCEEDED(result)) ids_.push_back(id);
-        return result;
-    }
-    const std::vector<PIDLIST_ABSOLUTE>& ids() const { return ids_; }
-
-private:
-    std::vector<PIDLIST_ABSOLUTE> ids_;
-};
 
 bool HasTabControl(HWND window) {
     return FindWindowExA(window, nullptr, WC_TABCONTROLA, nullptr) != nullptr;
@@ -60,20 +30,8 @@ BOOL CALLBACK FindSheet(HWND window, LPARAM found) {
 }  // namespace
 
 HRESULT InvokePropertiesVerb(const std::vector<std::string>& files) {
-    if (files.empty()) return E_INVALIDARG;
-    ItemIds items;
-    for (const std::string& file : files) {
-        const HRESULT parsed = items.Parse(file);
-        if (FAILED(parsed)) return parsed;
-    }
-    ComPtr<IShellFolder> folder;
-    HRESULT result = SHBindToParent(items.ids()[0], IID_IShellFolder, folder.PutVoid(), nullptr);
-    if (FAILED(result)) return result;
-    std::vector<PCUITEMID_CHILD> children;
-    for (PIDLIST_ABSOLUTE id : items.ids()) children.push_back(ILFindLastID(id));
     ComPtr<IContextMenu> menu;
-    result = folder->GetUIObjectOf(nullptr, static_cast<UINT>(children.size()), children.data(), IID_IContextMenu,
-                                   nullptr, menu.PutVoid());
+    const HRESULT result = test_support::ShellUiObject(files, IID_IContextMenu, menu.PutVoid());
     if (FAILED(result)) return result;
     CMINVOKECOMMANDINFO invoke{};
     invoke.cbSize = sizeof(invoke);

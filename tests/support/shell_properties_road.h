@@ -33,14 +33,14 @@ public:
     PropertiesOnShellThread(const PropertiesOnShellThread&) = delete;
     PropertiesOnShellThread& operator=(const PropertiesOnShellThread&) = delete;
 
-    bool started() const { return thread_ != nullptr; }
+    bool Started() const { return thread_ != nullptr; }
     // The sheet once it is shown (built, with its first page); null when none was shown
     // within the time or the verb returned.
     HWND WaitForSheet(DWORD milliseconds) const;
     // True when the verb has returned within the time.
     bool WaitUntilReturned(DWORD milliseconds) const;
     // The verb's result; valid once it has returned.
-    HRESULT result() const { return result_; }
+    HRESULT Result() const { return result_; }
 
 private:
     static DWORD WINAPI Run(void* self);

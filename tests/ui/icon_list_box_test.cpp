@@ -5,7 +5,7 @@
 
 #include "common/win_handles.h"
 #include "ui/icon_list_box.h"
-#include "tests/connection/test_icons.h"
+#include "tests/support/test_icons.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 
 #include "common/win_handles.h"
 #include "connection/icon_stream.h"
+#include "tests/support/pixel_section.h"
 
 // Deterministic pixels: a pattern that uses every palette entry the depth allows and a
 // mask with a transparent diagonal band.
@@ -99,27 +100,15 @@ inline HICON MakeMonochromeTestIcon(int size) {
 // 0x00RRGGBB pixels.
 inline std::vector<std::uint32_t> RenderedIcon(HICON icon, int size, COLORREF background,
                                                UINT flags = DI_NORMAL) {
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = size;
-    info.bmiHeader.biHeight = -size;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    void* bits = nullptr;
-    const UniqueGdiObject section(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    std::vector<std::uint32_t> pixels;
-    if (!section || !bits) return pixels;
+    const test_support::PixelSection section(size, size);
+    if (!section) return {};
     {
         const UniqueMemoryDC dc(CreateCompatibleDC(nullptr));
-        const SelectedObject selected(dc.Get(), section.Get());
+        const SelectedObject selected(dc.Get(), section.Bitmap());
         const UniqueGdiObject brush(CreateSolidBrush(background));
         const RECT all{0, 0, size, size};
         FillRect(dc.Get(), &all, static_cast<HBRUSH>(brush.Get()));
         DrawIconEx(dc.Get(), 0, 0, icon, 0, 0, 0, nullptr, flags);
-        GdiFlush();
     }
-    const auto* p = static_cast<const std::uint32_t*>(bits);
-    for (int i = 0; i < size * size; ++i) pixels.push_back(p[i] & 0x00FFFFFF);
-    return pixels;
+    return section.Pixels();
 }
