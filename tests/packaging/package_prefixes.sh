@@ -6,8 +6,9 @@
 source "$ROOT/scripts/lib/wine-env.sh"
 source "$ROOT/scripts/lib/project-prefix.sh"
 trap remove_own_prefixes EXIT
-OWN_PREFIXES=()
 TEST_LOG=$(mktemp "${TMPDIR:-/tmp}/vqc-package-test.XXXXXX")
+# The prefixes this test made, one a line (new_prefix runs in a command substitution).
+OWN_PREFIXES=$(mktemp "${TMPDIR:-/tmp}/vqc-package-prefixes.XXXXXX")
 
 fail() {
   echo "FAIL: $*"
@@ -17,11 +18,11 @@ fail() {
 
 remove_own_prefixes() {
   local prefix
-  for prefix in "${OWN_PREFIXES[@]}"; do
+  while read -r prefix; do
     WINEPREFIX="$prefix" wineserver -k >/dev/null 2>&1 || true
     rm -rf "$prefix"
-  done
-  rm -f "$TEST_LOG"
+  done <"$OWN_PREFIXES"
+  rm -f "$TEST_LOG" "$OWN_PREFIXES"
 }
 
 # new_prefix NAME: prints the path of a fresh prefix of this test's own.
@@ -35,7 +36,7 @@ new_prefix() {
   ) 9>"$PACKAGING_DIR/fresh-prefix.lock"
   rm -rf "$prefix"
   cp -a "$template" "$prefix"
-  OWN_PREFIXES+=("$prefix")
+  echo "$prefix" >>"$OWN_PREFIXES"
   echo "$prefix"
 }
 
@@ -55,8 +56,7 @@ msiexec_in() {
   shift 3
   local log="$prefix/drive_c/msiexec.log"
   in_prefix "$prefix" msiexec "$action" "$(windows_path "$package")" /qn /l*v 'C:\msiexec.log' "$@" || status=$?
-  iconv -f UTF-16LE -t UTF-8 "$log" 2>/dev/null | tr -d '\r' | grep -E "^(MSI|Action ended|Product:)|error|Error" \
-    >>"$TEST_LOG" || true
+  tr -d '\r\0' <"$log" 2>/dev/null | grep -aE "^(Action ended|Message type)|WIX_|rror" >>"$TEST_LOG" || true
   rm -f "$log"
   return $status
 }
@@ -78,7 +78,7 @@ registry_of() {
 # C:\windows, and the Installer's own cache of packages in C:\windows\Installer.
 files_of() {
   local drive="$1/drive_c"
-  (cd "$drive" && find . -path ./windows -prune -o -print; find ./windows/Installer 2>/dev/null) | sort
+  (cd "$drive" && find . -path ./windows -prune -o -print; find ./windows/Installer -mindepth 1 2>/dev/null) | sort
 }
 
 # Keys Wine writes anew at every start (hardware it finds again), whatever was installed.
@@ -92,3 +92,32 @@ install_folder_of() { echo "$1/drive_c/Program Files/vqcprop64"; }
 
 CLASS_ID="{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}"
 APP_ID="{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}"
+
+# remember_state PREFIX NAME: the prefix's registry and files now, in $work/NAME.registry and
+# $work/NAME.files, after a first program has run (Wine's own first-start writes done).
+remember_state() {
+  in_prefix "$1" cmd /c exit
+  registry_of "$1" >"$work/$2.registry"
+  files_of "$1" >"$work/$2.files"
+}
+
+# expect_state_as PREFIX NAME: the registry and the files are as remember_state found them.
+# Windows Installer keeps the empty keys it made for its own bookkeeping (below an
+# "Installer" key: no value, no product in them); Wine rewrites its hardware keys at every
+# start. Anything else that differs fails, and no trace of the product may remain.
+expect_state_as() {
+  local prefix="$1" name="$2"
+  registry_of "$prefix" >"$work/$name.registry-now"
+  files_of "$prefix" >"$work/$name.files-now"
+  diff <(without_wine_start_noise <"$work/$name.registry") <(without_wine_start_noise <"$work/$name.registry-now") \
+    | grep -E '^[<>]' >"$work/$name.registry-diff"
+  grep -vE $'^> [^\t]*\\\\Installer(\\\\[^\t]*)?$' "$work/$name.registry-diff" >"$work/$name.registry-unexpected"
+  if [ -s "$work/$name.registry-unexpected" ]; then
+    cat "$work/$name.registry-unexpected"
+    fail "the registry is not as it was before the install (< before, > now)"
+  fi
+  if grep -iE 'vqcprop|5e1d7c40|4B7D19E2|VCLIENT|\\\.vqc|277BAF3B|B3FAB772' "$work/$name.registry-now"; then
+    fail "the registry still names the product"
+  fi
+  diff "$work/$name.files" "$work/$name.files-now" || fail "the files below C:\\ are not as they were (< before, > now)"
+}
