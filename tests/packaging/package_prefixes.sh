@@ -81,9 +81,10 @@ files_of() {
   (cd "$drive" && find . -path ./windows -prune -o -print; find ./windows/Installer -mindepth 1 2>/dev/null) | sort
 }
 
-# Keys Wine writes anew at every start (hardware it finds again), whatever was installed.
+# Keys Wine writes anew at every start (the devices it finds again: display adapters,
+# monitors, network cards), whatever was installed.
 without_wine_start_noise() {
-  grep -v -E '^HKLM\\System\\CurrentControlSet\\Control\\Class\\|^HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards(\\|$)' || true
+  grep -v -E '^HKLM\\System\\CurrentControlSet\\(Control\\Class|Enum)\\|^HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards(\\|$)' || true
 }
 
 # The installed files, where the package puts them.
