@@ -7,9 +7,6 @@
 set -uo pipefail
 ROOT="$1" PACKAGING_DIR="$2" package="$3"
 source "$ROOT/tests/packaging/package_prefixes.sh"
-[ -f "$package" ] || fail "no package at $package (is wixl installed? scripts/lib/packages.sh installs it)"
-work=$(mktemp -d)
-trap 'remove_own_prefixes; rm -rf "$work"' EXIT
 
 # expect_class_without_file_type PREFIX HOW
 expect_class_without_file_type() {

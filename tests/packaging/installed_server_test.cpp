@@ -41,6 +41,22 @@ protected:
     TempFolder folder_{"installed"};
 };
 
+// What the handler tells the shell to draw for the file it loaded.
+struct IconLocation {
+    HRESULT result = E_FAIL;
+    std::string file;
+    int index = -1;
+    UINT flags = 0;
+};
+
+IconLocation LocateIcon(IExtractIconA* handler) {
+    IconLocation location;
+    char file[MAX_PATH + 1] = "unwritten";
+    location.result = handler->GetIconLocation(GIL_FORSHELL, file, sizeof(file), &location.index, &location.flags);
+    location.file = file;
+    return location;
+}
+
 }  // namespace
 
 TEST_F(InstalledServer, CoCreateInstanceLoadsTheInstalledCopy) {
@@ -54,15 +70,13 @@ TEST_F(InstalledServer, FileWithAnIconGetsItsOwnIcons) {
     WriteFileBytes(file, ConnectionLineWithIcon({48, 16}));
     ComPtr<IExtractIconA> handler = LoadedIconHandler(file);
     ASSERT_TRUE(handler);
-    char location[MAX_PATH + 1] = "unwritten";
-    int index = -1;
-    UINT flags = 0;
-    ASSERT_EQ(handler->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &index, &flags), S_OK);
-    EXPECT_EQ(std::string(location), file);
-    EXPECT_EQ(flags, 26u);
+    const IconLocation location = LocateIcon(handler.Get());
+    ASSERT_EQ(location.result, S_OK);
+    EXPECT_EQ(location.file, file);
+    EXPECT_EQ(location.flags, 26u);
     HICON large = nullptr;
     HICON small = nullptr;
-    ASSERT_EQ(handler->Extract(location, index, &large, &small, MAKELONG(32, 16)), S_OK);
+    ASSERT_EQ(handler->Extract(location.file.c_str(), location.index, &large, &small, MAKELONG(32, 16)), S_OK);
     UniqueIcon largeOwner(large);
     UniqueIcon smallOwner(small);
     EXPECT_EQ(IconSize(large).cx, 48);
@@ -74,14 +88,12 @@ TEST_F(InstalledServer, FileWithoutAnIconGetsTheInstalledDllsIcon) {
     WriteFileBytes(file, "-h server.example -u tester -C bookmark");
     ComPtr<IExtractIconA> handler = LoadedIconHandler(file);
     ASSERT_TRUE(handler);
-    char location[MAX_PATH + 1] = "unwritten";
-    int index = -1;
-    UINT flags = 0;
-    ASSERT_EQ(handler->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &index, &flags), S_OK);
-    EXPECT_EQ(_stricmp(location, DllPath().c_str()), 0) << location;
+    const IconLocation location = LocateIcon(handler.Get());
+    ASSERT_EQ(location.result, S_OK);
+    EXPECT_EQ(_stricmp(location.file.c_str(), DllPath().c_str()), 0) << location.file;
     HICON large = nullptr;
     HICON small = nullptr;
-    ASSERT_EQ(ExtractIconExA(location, index, &large, &small, 1), 2u);
+    ASSERT_EQ(ExtractIconExA(location.file.c_str(), location.index, &large, &small, 1), 2u);
     UniqueIcon largeOwner(large);
     UniqueIcon smallOwner(small);
     EXPECT_EQ(IconSize(large).cx, 32);

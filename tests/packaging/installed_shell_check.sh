@@ -8,11 +8,8 @@
 set -uo pipefail
 ROOT="$1" PACKAGING_DIR="$2" package="$3" shell_properties="$4" server_tests="$5"
 source "$ROOT/tests/packaging/package_prefixes.sh"
-[ -f "$package" ] || fail "no package at $package (is wixl installed? scripts/lib/packages.sh installs it)"
 [ -n "${DISPLAY:-}" ] || start_test_display || fail "no display for the property sheet"
 
-work=$(mktemp -d)
-trap 'remove_own_prefixes; rm -rf "$work"; [ -z "${VQC_XVFB_PID:-}" ] || kill "$VQC_XVFB_PID"' EXIT
 prefix=$(new_prefix shell-installed)
 msiexec_in "$prefix" /i "$package" || fail "msiexec /i failed with status $?"
 

@@ -1,14 +1,16 @@
 # Sourced by the package tests: Wine prefixes of their own, each a copy of one fresh prefix
 # made once under the build folder, so that every test installs into a machine nothing else
 # has touched and none of them shares the class registry of the suite's prefix.
-# Needs ROOT (the source tree) and PACKAGING_DIR (the folder for the prefixes) set.
-# Every prefix made here is stopped and deleted when the test exits.
+# Needs ROOT (the source tree), PACKAGING_DIR (the folder for the prefixes) and package (the
+# package under test) set. Gives the test a scratch folder, $work. Every prefix made here,
+# the scratch folder and a display started here are removed when the test exits.
 source "$ROOT/scripts/lib/wine-env.sh"
 source "$ROOT/scripts/lib/project-prefix.sh"
-trap remove_own_prefixes EXIT
+work=$(mktemp -d)
 TEST_LOG=$(mktemp "${TMPDIR:-/tmp}/vqc-package-test.XXXXXX")
 # The prefixes this test made, one a line (new_prefix runs in a command substitution).
 OWN_PREFIXES=$(mktemp "${TMPDIR:-/tmp}/vqc-package-prefixes.XXXXXX")
+trap remove_own_prefixes EXIT
 
 fail() {
   echo "FAIL: $*"
@@ -23,7 +25,11 @@ remove_own_prefixes() {
     rm -rf "$prefix"
   done <"$OWN_PREFIXES"
   rm -f "$TEST_LOG" "$OWN_PREFIXES"
+  rm -rf "$work"
+  [ -z "${VQC_XVFB_PID:-}" ] || kill "$VQC_XVFB_PID" 2>/dev/null || true
 }
+
+[ -f "$package" ] || fail "no package at $package (is wixl installed? scripts/lib/packages.sh installs it)"
 
 # new_prefix NAME: prints the path of a fresh prefix of this test's own.
 new_prefix() {

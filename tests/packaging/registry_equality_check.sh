@@ -9,10 +9,7 @@
 set -uo pipefail
 ROOT="$1" PACKAGING_DIR="$2" package="$3"
 source "$ROOT/tests/packaging/package_prefixes.sh"
-[ -f "$package" ] || fail "no package at $package (is wixl installed? scripts/lib/packages.sh installs it)"
 
-work=$(mktemp -d)
-trap 'remove_own_prefixes; rm -rf "$work"' EXIT
 
 # Every change below the classes root of both hives, as "+line" and "-line".
 class_changes() {

@@ -8,9 +8,6 @@
 set -uo pipefail
 ROOT="$1" PACKAGING_DIR="$2" package="$3"
 source "$ROOT/tests/packaging/package_prefixes.sh"
-[ -f "$package" ] || fail "no package at $package (is wixl installed? scripts/lib/packages.sh installs it)"
-work=$(mktemp -d)
-trap 'remove_own_prefixes; rm -rf "$work"' EXIT
 
 version=$(basename "$package" | sed -nE 's/^vqcprop64-([0-9]+\.[0-9]+\.[0-9]+)-x64\.msi$/\1/p')
 [ -n "$version" ] || fail "$package is not named vqcprop64-X.Y.Z-x64.msi"
