@@ -6,8 +6,8 @@
 # packages them with wixl from packaging/vqcprop64.wxs. The version is the file VERSION's,
 # the one the DLL's version block and `vqctool --version` carry.
 #   bash scripts/package.sh                    the version in the file VERSION
-#   bash scripts/package.sh --version X.Y.Z    a build of another version (the upgrade test
-#                                              builds the next one in a folder of its own)
+#   bash scripts/package.sh --version X.Y.Z    another version, built in a tree of its own
+#                                              (build/windows-X.Y.Z), never in build/windows
 # Prints the two paths. Environment: BUILD_DIR (default ./build).
 set -euo pipefail
 
@@ -24,15 +24,16 @@ case "$#:${1:-}" in
   *) echo "usage: package.sh [--version X.Y.Z]" >&2; exit 2 ;;
 esac
 
+tree="$BUILD_DIR/windows${version_override:+-$version_override}"
 install_missing_packages
-cmake -S "$ROOT" -B "$BUILD_DIR/windows" -G Ninja \
+cmake -S "$ROOT" -B "$tree" -G Ninja \
   -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_VERSION_OVERRIDE="$version_override" >/dev/null
-cmake --build "$BUILD_DIR/windows" --target vqcprop64_package >&2
+cmake --build "$tree" --target vqcprop64_package >&2
 
-name="vqcprop64-$(cat "$BUILD_DIR/windows/product-version.txt")-x64"
+name="vqcprop64-$(cat "$tree/product-version.txt")-x64"
 mkdir -p "$BUILD_DIR/package"
 for suffix in msi zip; do
-  cp "$BUILD_DIR/windows/package/$name.$suffix" "$BUILD_DIR/package/"
+  cp "$tree/package/$name.$suffix" "$BUILD_DIR/package/"
   echo "$BUILD_DIR/package/$name.$suffix"
 done
