@@ -2,6 +2,7 @@
 // the writer for a given client version. For administrators and for tests.
 //   vqctool show FILE
 //   vqctool rewrite IN OUT [--client-version N]
+//   vqctool --version
 // Exit status: 0 success, 1 reading or writing failed, 2 usage error.
 #include <windows.h>
 
@@ -126,6 +127,10 @@ int Rewrite(const char* in, const char* out, std::int32_t clientVersion) {
 }
 
 int Run(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("vqctool %s\n", VQC_PRODUCT_VERSION);
+        return kExitOk;
+    }
     if (argc == 3 && std::strcmp(argv[1], "show") == 0) return Show(argv[2]);
     if ((argc == 4 || argc == 6) && std::strcmp(argv[1], "rewrite") == 0) {
         std::int32_t version = kUnknownClientVersion;

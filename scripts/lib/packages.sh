@@ -8,6 +8,8 @@ VQC_PACKAGES=(
   xvfb xauth
   # The glyphs of the Korean, Japanese and Chinese pages (scripts/properties.sh --lang).
   fonts-wqy-microhei
+  # The installer package (scripts/package.sh): wixl builds it, msitools reads its tables.
+  wixl msitools zip
 )
 
 # install_missing_packages [PACKAGE...]: the build's packages and any named here.

@@ -104,5 +104,5 @@ TEST(DllVersion, CarriesAUsEnglishVersionBlock) {
     ASSERT_TRUE(VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\OriginalFilename", &text, &length));
     EXPECT_STREQ(static_cast<const char*>(text), "vqcprop64.dll");
     ASSERT_TRUE(VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\ProductVersion", &text, &length));
-    EXPECT_STREQ(static_cast<const char*>(text), "1.0.0.0");
+    EXPECT_STREQ(static_cast<const char*>(text), VQC_PRODUCT_VERSION);
 }
