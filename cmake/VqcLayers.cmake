@@ -7,7 +7,7 @@ set(VQC_ROOMS
   ui=2
   pages=3
   shellext=4
-  tools=5 tests=5)
+  tools=5 packaging=5 tests=5)
 
 # The rank of a room by name; -1 for a folder that is no room (tests, third-party code).
 function(vqc_room_rank room out)
