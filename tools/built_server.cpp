@@ -16,7 +16,7 @@ namespace {
 
 std::unique_ptr<RegisteredClass> Register(REFCLSID id, IClassFactory* factory, const char* name) {
     auto registration = std::make_unique<RegisteredClass>(id, factory);
-    if (!registration->ok()) Fail(std::string("CoRegisterClassObject of ") + name, E_FAIL);
+    if (!registration->Ok()) Fail(std::string("CoRegisterClassObject of ") + name, E_FAIL);
     return registration;
 }
 

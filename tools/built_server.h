@@ -22,7 +22,7 @@ public:
     ~RegisteredClass();
     RegisteredClass(const RegisteredClass&) = delete;
     RegisteredClass& operator=(const RegisteredClass&) = delete;
-    bool ok() const { return cookie_ != 0; }
+    bool Ok() const { return cookie_ != 0; }
 
 private:
     DWORD cookie_ = 0;
@@ -34,7 +34,7 @@ using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**
 class LoadedDll {
 public:
     explicit LoadedDll(const std::string& path);
-    HMODULE module() const { return module_.Get(); }
+    HMODULE Module() const { return module_.Get(); }
     GetClassObjectFunction GetClassObject() const;
 
 private:

@@ -33,7 +33,7 @@ public:
     ~ComApartment() { if (SUCCEEDED(result_)) CoUninitialize(); }
     ComApartment(const ComApartment&) = delete;
     ComApartment& operator=(const ComApartment&) = delete;
-    bool usable() const noexcept { return SUCCEEDED(result_) || result_ == RPC_E_CHANGED_MODE; }
+    bool Usable() const noexcept { return SUCCEEDED(result_) || result_ == RPC_E_CHANGED_MODE; }
 
 private:
     HRESULT result_;
@@ -51,7 +51,7 @@ std::wstring Wide(const std::string& text) {
 // Encodes top-down 24-bit BGR rows as one PNG frame into the file at path.
 bool WritePng(const std::string& path, UINT width, UINT height, UINT rowBytes, BYTE* rows) {
     const ComApartment apartment;
-    if (!apartment.usable()) return false;
+    if (!apartment.Usable()) return false;
     ComPtr<IWICImagingFactory> factory;
     if (FAILED(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
                                 factory.PutVoid())))

@@ -22,14 +22,14 @@ std::string FileWithIcon() {
 TEST(FileLeaks, FileOpensExclusivelyAfterRead) {
     TempFile file("leak-read", FileWithIcon());
     VQCFileInfo record("x");
-    ASSERT_EQ(record.Read(file.path()), 0);
+    ASSERT_EQ(record.Read(file.Path()), 0);
     EXPECT_TRUE(file.OpensExclusively());
 }
 
 TEST(FileLeaks, FileOpensExclusivelyAfterAFailedRead) {
     TempFile file("leak-empty", "");
     VQCFileInfo record("x");
-    ASSERT_EQ(record.Read(file.path()), 1);
+    ASSERT_EQ(record.Read(file.Path()), 1);
     EXPECT_TRUE(file.OpensExclusively());
 }
 
@@ -38,7 +38,7 @@ TEST(FileLeaks, FileOpensExclusivelyAfterWrite) {
     VQCFileInfo record("x");
     record.host = "server";
     record.SetIcons(MakeTestIcon(32, 8), MakeTestIcon(16, 8));
-    ASSERT_EQ(record.Write(file.path()), 0);
+    ASSERT_EQ(record.Write(file.Path()), 0);
     EXPECT_TRUE(file.OpensExclusively());
 }
 
@@ -48,7 +48,7 @@ TEST(FileLeaks, HundredThousandReadsWithAnIconStillGiveIcons) {
     int withIcons = 0;
     for (int i = 0; i < kReads; ++i) {
         auto record = std::make_unique<VQCFileInfo>("x");
-        if (record->Read(file.path()) == 0 && record->icon && record->smallIcon) ++withIcons;
+        if (record->Read(file.Path()) == 0 && record->icon && record->smallIcon) ++withIcons;
         else break;
     }
     EXPECT_EQ(withIcons, kReads);

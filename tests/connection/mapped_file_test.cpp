@@ -46,27 +46,27 @@ TEST(MappedFile, AccessRulesTable) {
 TEST(MappedFile, ReadOnlyMapsTheWholeFileAndSharesReading) {
     TempFile temp("map-ro", "-h server -u bob");
     MappedFile file;
-    ASSERT_TRUE(file.Open(temp.path(), MapAccess::ReadOnly));
+    ASSERT_TRUE(file.Open(temp.Path(), MapAccess::ReadOnly));
     EXPECT_EQ(file.size(), 16u);
     EXPECT_EQ(ViewText(file), "-h server -u bob");
-    EXPECT_TRUE(OpensForReadingAlongside(temp.path()));
+    EXPECT_TRUE(OpensForReadingAlongside(temp.Path()));
 }
 
 TEST(MappedFile, ExecuteReadMapsTheWholeFileAndSharesReading) {
     TempFile temp("map-xr", "abc");
     MappedFile file;
-    ASSERT_TRUE(file.Open(temp.path(), MapAccess::ExecuteRead));
+    ASSERT_TRUE(file.Open(temp.Path(), MapAccess::ExecuteRead));
     EXPECT_EQ(ViewText(file), "abc");
-    EXPECT_TRUE(OpensForReadingAlongside(temp.path()));
+    EXPECT_TRUE(OpensForReadingAlongside(temp.Path()));
 }
 
 TEST(MappedFile, ReadWriteMapsAndWritesThroughWithoutSharing) {
     TempFile temp("map-rw", "abc");
     {
         MappedFile file;
-        ASSERT_TRUE(file.Open(temp.path(), MapAccess::ReadWrite));
+        ASSERT_TRUE(file.Open(temp.Path(), MapAccess::ReadWrite));
         EXPECT_EQ(ViewText(file), "abc");
-        EXPECT_FALSE(OpensForReadingAlongside(temp.path()));
+        EXPECT_FALSE(OpensForReadingAlongside(temp.Path()));
         static_cast<char*>(const_cast<void*>(file.view()))[0] = 'X';
     }
     EXPECT_EQ(temp.Content(), "Xbc");
@@ -76,9 +76,9 @@ TEST(MappedFile, WriteCopyKeepsWritesInMemoryWithoutSharing) {
     TempFile temp("map-wc", "abc");
     {
         MappedFile file;
-        ASSERT_TRUE(file.Open(temp.path(), MapAccess::WriteCopy));
+        ASSERT_TRUE(file.Open(temp.Path(), MapAccess::WriteCopy));
         EXPECT_EQ(ViewText(file), "abc");
-        EXPECT_FALSE(OpensForReadingAlongside(temp.path()));
+        EXPECT_FALSE(OpensForReadingAlongside(temp.Path()));
         char* view = static_cast<char*>(const_cast<void*>(file.view()));
         view[0] = 'X';
         EXPECT_EQ(view[0], 'X');
@@ -89,7 +89,7 @@ TEST(MappedFile, WriteCopyKeepsWritesInMemoryWithoutSharing) {
 TEST(MappedFile, CloseFreesTheFile) {
     TempFile temp("map-close", "abc");
     MappedFile file;
-    ASSERT_TRUE(file.Open(temp.path()));
+    ASSERT_TRUE(file.Open(temp.Path()));
     EXPECT_FALSE(temp.OpensExclusively());
     file.Close();
     EXPECT_TRUE(temp.OpensExclusively());
@@ -101,7 +101,7 @@ TEST(MappedFile, DestructionFreesTheFile) {
     TempFile temp("map-dtor", "abc");
     {
         MappedFile file;
-        ASSERT_TRUE(file.Open(temp.path()));
+        ASSERT_TRUE(file.Open(temp.Path()));
     }
     EXPECT_TRUE(temp.OpensExclusively());
 }
@@ -109,7 +109,7 @@ TEST(MappedFile, DestructionFreesTheFile) {
 TEST(MappedFile, EmptyFileFailsAtTheMappingAndIsFreed) {
     TempFile temp("map-empty", "");
     MappedFile file;
-    EXPECT_FALSE(file.Open(temp.path()));
+    EXPECT_FALSE(file.Open(temp.Path()));
     EXPECT_EQ(file.size(), 0u);
     EXPECT_EQ(file.view(), nullptr);
     EXPECT_NE(file.error(), 0u);
@@ -120,7 +120,7 @@ TEST(MappedFile, EmptyFileFailsAtTheMappingAndIsFreed) {
 TEST(MappedFile, MissingFileFailsWithFileNotFound) {
     TempFile temp("map-missing");
     MappedFile file;
-    EXPECT_FALSE(file.Open(temp.path()));
+    EXPECT_FALSE(file.Open(temp.Path()));
     EXPECT_EQ(file.error(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(file.size(), 0u);
 }
@@ -129,8 +129,8 @@ TEST(MappedFile, ReopeningClosesTheFirstFile) {
     TempFile first("map-first", "one");
     TempFile second("map-second", "two");
     MappedFile file;
-    ASSERT_TRUE(file.Open(first.path()));
-    ASSERT_TRUE(file.Open(second.path()));
+    ASSERT_TRUE(file.Open(first.Path()));
+    ASSERT_TRUE(file.Open(second.Path()));
     EXPECT_EQ(ViewText(file), "two");
     EXPECT_TRUE(first.OpensExclusively());
 }

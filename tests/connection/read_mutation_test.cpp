@@ -146,7 +146,7 @@ bool ExpectReadsWithoutTrouble(const std::string& content, const std::string& wh
     TempFile file("mutation", content);
     auto record = std::make_unique<VQCFileInfo>("x");
     std::int32_t result = -1;
-    EXPECT_NO_THROW(result = record->Read(file.path())) << what;
+    EXPECT_NO_THROW(result = record->Read(file.Path())) << what;
     EXPECT_EQ(result, 0) << what;
     return static_cast<bool>(record->icon);
 }
@@ -187,6 +187,6 @@ TEST(ReadMutations, TwoMegabyteCommandLineIsKeptWhole) {
     const std::string words(2u << 20, 'w');
     TempFile file("mutation-big", "-C " + words);
     VQCFileInfo record("x");
-    ASSERT_EQ(record.Read(file.path()), 0);
+    ASSERT_EQ(record.Read(file.Path()), 0);
     EXPECT_EQ(record.commandLine.size(), words.size());
 }

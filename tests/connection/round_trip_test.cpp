@@ -232,9 +232,9 @@ private:
 // Writes w to a real file and reads it into a fresh record.
 std::unique_ptr<VQCFileInfo> RoundTrip(VQCFileInfo& w) {
     TempFile file("roundtrip");
-    EXPECT_EQ(w.Write(file.path()), 0);
+    EXPECT_EQ(w.Write(file.Path()), 0);
     auto r = std::make_unique<VQCFileInfo>(kFreshPath);
-    EXPECT_EQ(r->Read(file.path()), 0);
+    EXPECT_EQ(r->Read(file.Path()), 0);
     return r;
 }
 

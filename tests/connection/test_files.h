@@ -27,7 +27,7 @@ public:
     TempFile(const TempFile&) = delete;
     TempFile& operator=(const TempFile&) = delete;
 
-    const char* path() const { return path_.c_str(); }
+    const char* Path() const { return path_.c_str(); }
 
     void Write(const std::string& content) const { WriteFileBytes(path_, content); }
 

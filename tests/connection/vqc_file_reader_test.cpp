@@ -22,7 +22,7 @@ struct Record {
 Record ReadText(const std::string& content, std::int32_t* result = nullptr) {
     TempFile file("reader", content);
     Record record;
-    const std::int32_t r = record->Read(file.path());
+    const std::int32_t r = record->Read(file.Path());
     if (result) *result = r;
     return record;
 }
@@ -50,7 +50,7 @@ TEST(Reader, EmptyFileFailsWithErrorAndKeepsDefaults) {
 
 TEST(Reader, EmptyFileLeavesTheErrorOfCreateFileMapping) {
     TempFile file("empty", "");
-    HANDLE handle = CreateFileA(file.path(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+    HANDLE handle = CreateFileA(file.Path(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                 FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(handle, INVALID_HANDLE_VALUE);
     SetLastError(0xdeadbeef);
@@ -59,25 +59,25 @@ TEST(Reader, EmptyFileLeavesTheErrorOfCreateFileMapping) {
     CloseHandle(handle);
     Record r;
     r->lastError = 0xdeadbeef;
-    EXPECT_EQ(r->Read(file.path()), 1);
+    EXPECT_EQ(r->Read(file.Path()), 1);
     EXPECT_EQ(r->lastError, expected);
 }
 
 TEST(Reader, MissingFileFailsWithFileNotFound) {
     TempFile file("missing");
     Record r;
-    EXPECT_EQ(r->Read(file.path()), 1);
+    EXPECT_EQ(r->Read(file.Path()), 1);
     EXPECT_EQ(r->lastError, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     ExpectDefaults(*r);
 }
 
 TEST(Reader, LockedFileFailsWithSharingViolation) {
     TempFile file("locked", "-h server ");
-    HANDLE lock = CreateFileA(file.path(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+    HANDLE lock = CreateFileA(file.Path(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                               FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
     Record r;
-    EXPECT_EQ(r->Read(file.path()), 1);
+    EXPECT_EQ(r->Read(file.Path()), 1);
     EXPECT_EQ(r->lastError, static_cast<DWORD>(ERROR_SHARING_VIOLATION));
     EXPECT_TRUE(r->host.empty());
     CloseHandle(lock);
@@ -111,7 +111,7 @@ TEST(Reader, SuccessReturnsZeroAndLeavesLastErrorAlone) {
     TempFile file("ok", "-h server ");
     Record r;
     r->lastError = 0xdeadbeef;
-    EXPECT_EQ(r->Read(file.path()), 0);
+    EXPECT_EQ(r->Read(file.Path()), 0);
     EXPECT_EQ(r->lastError, 0xdeadbeefu);
     EXPECT_EQ(r->host, "server");
 }
@@ -174,7 +174,7 @@ TEST(Reader, ProxyWithPortLeavesProxyUserUntouched) {
     Record r;
     r->proxyUser = "earlier";
     TempFile file("proxy", "-c proxy:9000");
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     EXPECT_EQ(r->proxyUser, "earlier");
     EXPECT_EQ(r->proxyHost, "proxy");
     EXPECT_EQ(r->proxyPort, 9000);
@@ -225,7 +225,7 @@ TEST(Reader, BrokerLetterIsOnlyEverSetNeverCleared) {
     Record r;
     r->brokerUpperF = 1;
     TempFile file("broker", "-f broker");
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     EXPECT_EQ(r->brokerUpperF, 1);
 }
 
@@ -356,7 +356,7 @@ TEST(Reader, StartDirectoryAsLastElementIsEmpty) {
     Record r;
     r->startDirectory = "before";
     TempFile file("start", "-S");
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     EXPECT_TRUE(r->startDirectory.empty());
 }
 
@@ -376,8 +376,8 @@ TEST(Reader, SecondFileKeepsUnnamedFieldsAndAppendsCommandLine) {
     TempFile first("first", "-h server -u bob -C one");
     TempFile second("second", "-u alice -C two");
     Record r;
-    ASSERT_EQ(r->Read(first.path()), 0);
-    ASSERT_EQ(r->Read(second.path()), 0);
+    ASSERT_EQ(r->Read(first.Path()), 0);
+    ASSERT_EQ(r->Read(second.Path()), 0);
     EXPECT_EQ(r->host, "server");
     EXPECT_EQ(r->login, "alice");
     EXPECT_EQ(r->commandLine, "onetwo");
@@ -400,7 +400,7 @@ TEST(Reader, LowerIOptionRemovesTheIcons) {
     Record r;
     r->SetIcons(MakeTestIcon(16, 8), MakeTestIcon(16, 8));
     TempFile file("noicon", "-i");
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     EXPECT_FALSE(r->icon);
     EXPECT_FALSE(r->smallIcon);
 }
@@ -409,7 +409,7 @@ TEST(Reader, IconOptionAsLastElementLeavesNoIcons) {
     Record r;
     r->SetIcons(MakeTestIcon(16, 8), nullptr);
     TempFile file("lastI", "-I");
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     EXPECT_FALSE(r->icon);
 }
 
@@ -417,7 +417,7 @@ TEST(Reader, FileWithoutIconOptionKeepsTheIcons) {
     Record r;
     r->SetIcons(MakeTestIcon(16, 8), nullptr);
     TempFile file("keepI", "-h server");
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     EXPECT_TRUE(r->icon);
 }
 

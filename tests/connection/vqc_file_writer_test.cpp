@@ -20,7 +20,7 @@ std::unique_ptr<VQCFileInfo> Fresh() { return std::make_unique<VQCFileInfo>("C:\
 // Writes the record to a real file and returns the file's bytes.
 std::string Written(VQCFileInfo& record) {
     TempFile file("writer");
-    const std::int32_t result = record.Write(file.path());
+    const std::int32_t result = record.Write(file.Path());
     EXPECT_EQ(result, 0);
     return file.Content();
 }
@@ -279,14 +279,14 @@ TEST(Writer, BlackAndWhiteIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     auto w = Fresh();
     w->host = "server";
     w->SetIcons(MakeMonochromeTestIcon(32), MakeMonochromeTestIcon(16));
-    ASSERT_EQ(w->Write(file.path()), 0);
+    ASSERT_EQ(w->Write(file.Path()), 0);
     const std::string content = file.Content();
     // The first directory entry: 32 x 32, 2 colours, 1 plane, 1 bit per pixel.
     EXPECT_EQ(content.substr(16 + 12, 16), "2020020001000100");
     EXPECT_EQ(content, "-h server \r\n-I \"" + IconHex(w->icon.Get(), w->smallIcon.Get()) + "\" ");
 
     auto r = Fresh();
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     ASSERT_TRUE(r->icon);
     ASSERT_TRUE(r->smallIcon);
     EXPECT_EQ(IconSize(r->icon.Get()).cx, 32);
@@ -305,9 +305,9 @@ TEST(Writer, FourBitIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     auto w = Fresh();
     w->host = "server";
     w->SetIcons(MakeTestIcon(32, 4), MakeTestIcon(16, 4, 2));
-    ASSERT_EQ(w->Write(file.path()), 0);
+    ASSERT_EQ(w->Write(file.Path()), 0);
     auto r = Fresh();
-    ASSERT_EQ(r->Read(file.path()), 0);
+    ASSERT_EQ(r->Read(file.Path()), 0);
     ASSERT_TRUE(r->icon);
     ASSERT_TRUE(r->smallIcon);
     EXPECT_EQ(IconSize(r->icon.Get()).cx, 32);
@@ -342,7 +342,7 @@ TEST(Writer, ReplacesLongerContent) {
     TempFile file("replace", std::string(5000, 'x'));
     auto r = Fresh();
     r->host = "h";
-    ASSERT_EQ(r->Write(file.path()), 0);
+    ASSERT_EQ(r->Write(file.Path()), 0);
     EXPECT_EQ(file.Content(), "-h h ");
 }
 
@@ -367,9 +367,9 @@ TEST(Writer, DirectoryPathFailsWithTheErrorOfCreateFile) {
 
 TEST(Writer, ReadOnlyFileFailsWithAccessDeniedAndKeepsItsContent) {
     TempFile file("readonly", "-h old ");
-    ASSERT_TRUE(SetFileAttributesA(file.path(), FILE_ATTRIBUTE_READONLY));
+    ASSERT_TRUE(SetFileAttributesA(file.Path(), FILE_ATTRIBUTE_READONLY));
     // Wine keeps the attribute as Unix permissions, which root does not obey.
-    HANDLE probe = CreateFileA(file.path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+    HANDLE probe = CreateFileA(file.Path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (probe != INVALID_HANDLE_VALUE) {
         CloseHandle(probe);
@@ -377,19 +377,19 @@ TEST(Writer, ReadOnlyFileFailsWithAccessDeniedAndKeepsItsContent) {
     }
     auto r = Fresh();
     r->host = "new";
-    EXPECT_EQ(r->Write(file.path()), 1);
+    EXPECT_EQ(r->Write(file.Path()), 1);
     EXPECT_EQ(r->lastError, static_cast<DWORD>(ERROR_ACCESS_DENIED));
     EXPECT_EQ(file.Content(), "-h old ");
 }
 
 TEST(Writer, FileOpenedWithoutSharingFailsWithSharingViolationAndKeepsItsContent) {
     TempFile file("locked", "-h old ");
-    HANDLE lock = CreateFileA(file.path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+    HANDLE lock = CreateFileA(file.Path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                               FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
     auto r = Fresh();
     r->host = "new";
-    EXPECT_EQ(r->Write(file.path()), 1);
+    EXPECT_EQ(r->Write(file.Path()), 1);
     EXPECT_EQ(r->lastError, static_cast<DWORD>(ERROR_SHARING_VIOLATION));
     CloseHandle(lock);
     EXPECT_EQ(file.Content(), "-h old ");
@@ -405,7 +405,7 @@ TEST(Writer, SuccessLeavesLastErrorAlone) {
     TempFile file("ok");
     auto r = Fresh();
     r->lastError = 0xdeadbeef;
-    EXPECT_EQ(r->Write(file.path()), 0);
+    EXPECT_EQ(r->Write(file.Path()), 0);
     EXPECT_EQ(r->lastError, 0xdeadbeefu);
 }
 

@@ -35,9 +35,9 @@ std::string WithoutCarriageReturns(std::string text) {
 ToolRun RunTool(const std::string& arguments) {
     TempFile out("tool-out"), err("tool-err");
     SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
-    HANDLE outFile = CreateFileA(out.path(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
+    HANDLE outFile = CreateFileA(out.Path(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-    HANDLE errFile = CreateFileA(err.path(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
+    HANDLE errFile = CreateFileA(err.Path(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL, nullptr);
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
@@ -85,7 +85,7 @@ TEST(Vqctool, ShowPrintsResultAndEveryFieldInOrder) {
     const IconImage images[] = {MakeTestIconImage(32, 4), MakeTestIconImage(32, 4)};
     TempFile file("tool-show", "-h \"my server\" -N -M -V 5000 -c admin@proxy:3128 -a \"x\ty\" -u bob \r\n-I \"" +
                                    HexTextOf(BuildIconStream(images, 2)) + "\" -C run \"a\\\\b\"");
-    const ToolRun run = RunTool("show " + Quoted(file.path()));
+    const ToolRun run = RunTool("show " + Quoted(file.Path()));
     EXPECT_EQ(run.exitCode, 0u);
     EXPECT_EQ(run.err, "");
     const std::string small = std::to_string(GetSystemMetrics(SM_CXSMICON)) + "x" +
@@ -125,7 +125,7 @@ TEST(Vqctool, ShowPrintsResultAndEveryFieldInOrder) {
               "inDomainKnown=0\n"
               "clientVersion=726\n"
               "route=1\n"
-              "filePath=" + Dumped(file.path()) + "\n"
+              "filePath=" + Dumped(file.Path()) + "\n"
               "refCount=0\n"
               "icon=32x32\n"
               "smallIcon=" + small + "\n");
@@ -133,23 +133,23 @@ TEST(Vqctool, ShowPrintsResultAndEveryFieldInOrder) {
 
 TEST(Vqctool, ShowOfAFileWithoutIconSaysNone) {
     TempFile file("tool-noicon", "-h server");
-    const ToolRun run = RunTool("show " + Quoted(file.path()));
+    const ToolRun run = RunTool("show " + Quoted(file.Path()));
     EXPECT_EQ(run.exitCode, 0u);
     EXPECT_NE(run.out.find("\nicon=none\nsmallIcon=none\n"), std::string::npos) << run.out;
 }
 
 TEST(Vqctool, ShowOfAMissingFileExitsOneWithWindowsText) {
     TempFile file("tool-missing");
-    const ToolRun run = RunTool("show " + Quoted(file.path()));
+    const ToolRun run = RunTool("show " + Quoted(file.Path()));
     EXPECT_EQ(run.exitCode, 1u);
     EXPECT_EQ(run.out.substr(0, 9), "result=1\n");
     EXPECT_NE(run.out.find("\nlastError=2\n"), std::string::npos);
-    EXPECT_EQ(run.err, std::string("vqctool: cannot read ") + file.path() + ": " + SystemText(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(run.err, std::string("vqctool: cannot read ") + file.Path() + ": " + SystemText(ERROR_FILE_NOT_FOUND));
 }
 
 TEST(Vqctool, ShowOfAnEmptyFileExitsOne) {
     TempFile file("tool-empty", "");
-    const ToolRun run = RunTool("show " + Quoted(file.path()));
+    const ToolRun run = RunTool("show " + Quoted(file.Path()));
     EXPECT_EQ(run.exitCode, 1u);
     EXPECT_EQ(run.out.substr(0, 9), "result=1\n");
 }
@@ -157,7 +157,7 @@ TEST(Vqctool, ShowOfAnEmptyFileExitsOne) {
 TEST(Vqctool, RewriteWritesTheFileForClientVersion726) {
     TempFile in("tool-in", "-u bob -h server -V 790 -v svc -l -c proxy:3128 -T -C  run  me");
     TempFile out("tool-out-file");
-    const ToolRun run = RunTool("rewrite " + Quoted(in.path()) + " " + Quoted(out.path()));
+    const ToolRun run = RunTool("rewrite " + Quoted(in.Path()) + " " + Quoted(out.Path()));
     EXPECT_EQ(run.exitCode, 0u);
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err, "");
@@ -167,7 +167,7 @@ TEST(Vqctool, RewriteWritesTheFileForClientVersion726) {
 TEST(Vqctool, RewriteWithAnOldClientVersionLeavesOutWhatItCannotRead) {
     TempFile in("tool-in-old", "-h server -l -c proxy:3128 -u bob");
     TempFile out("tool-out-old");
-    const ToolRun run = RunTool("rewrite " + Quoted(in.path()) + " " + Quoted(out.path()) + " --client-version 619");
+    const ToolRun run = RunTool("rewrite " + Quoted(in.Path()) + " " + Quoted(out.Path()) + " --client-version 619");
     EXPECT_EQ(run.exitCode, 0u);
     EXPECT_EQ(out.Content(), "-h server -u bob ");
 }
@@ -175,7 +175,7 @@ TEST(Vqctool, RewriteWithAnOldClientVersionLeavesOutWhatItCannotRead) {
 TEST(Vqctool, RewriteFor640DropsL) {
     TempFile in("tool-in-640", "-h server -l");
     TempFile out("tool-out-640");
-    const ToolRun run = RunTool("rewrite " + Quoted(in.path()) + " " + Quoted(out.path()) + " --client-version 640");
+    const ToolRun run = RunTool("rewrite " + Quoted(in.Path()) + " " + Quoted(out.Path()) + " --client-version 640");
     EXPECT_EQ(run.exitCode, 0u);
     EXPECT_EQ(out.Content(), "-h server ");
 }
@@ -183,31 +183,31 @@ TEST(Vqctool, RewriteFor640DropsL) {
 TEST(Vqctool, RewriteOfAMissingFileExitsOne) {
     TempFile in("tool-in-missing");
     TempFile out("tool-out-missing");
-    const ToolRun run = RunTool("rewrite " + Quoted(in.path()) + " " + Quoted(out.path()));
+    const ToolRun run = RunTool("rewrite " + Quoted(in.Path()) + " " + Quoted(out.Path()));
     EXPECT_EQ(run.exitCode, 1u);
-    EXPECT_EQ(run.err, std::string("vqctool: cannot read ") + in.path() + ": " + SystemText(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(run.err, std::string("vqctool: cannot read ") + in.Path() + ": " + SystemText(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(out.Content(), "<missing>");
 }
 
 TEST(Vqctool, RewriteToALockedFileExitsOne) {
     TempFile in("tool-in-ok", "-h server");
     TempFile out("tool-out-locked", "old");
-    HANDLE lock = CreateFileA(out.path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE lock = CreateFileA(out.Path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
-    const ToolRun run = RunTool("rewrite " + Quoted(in.path()) + " " + Quoted(out.path()));
+    const ToolRun run = RunTool("rewrite " + Quoted(in.Path()) + " " + Quoted(out.Path()));
     CloseHandle(lock);
     EXPECT_EQ(run.exitCode, 1u);
     EXPECT_EQ(run.err,
-              std::string("vqctool: cannot write ") + out.path() + ": " + SystemText(ERROR_SHARING_VIOLATION));
+              std::string("vqctool: cannot write ") + out.Path() + ": " + SystemText(ERROR_SHARING_VIOLATION));
     EXPECT_EQ(out.Content(), "old");
 }
 
 TEST(Vqctool, UsageErrorsExitTwo) {
     TempFile in("tool-in-usage", "-h server");
     TempFile out("tool-out-usage");
-    const std::string files = Quoted(in.path()) + " " + Quoted(out.path());
+    const std::string files = Quoted(in.Path()) + " " + Quoted(out.Path());
     for (const std::string& arguments :
-         {std::string(), std::string("show"), std::string("show a b"), std::string("list x"), "rewrite " + Quoted(in.path()),
+         {std::string(), std::string("show"), std::string("show a b"), std::string("list x"), "rewrite " + Quoted(in.Path()),
           "rewrite " + files + " --client-version", "rewrite " + files + " --client-version abc",
           "rewrite " + files + " --client-version 6x", "rewrite " + files + " --version 640",
           "rewrite " + files + " --client-version 640 extra"}) {

@@ -9,7 +9,8 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
-// Where the package puts the DLL; nothing else lies beside it.
+// Where the package puts the DLL; nothing else lies beside it. The shared test headers name
+// the DLL and its folder by these.
 #define VQC_DLL_PATH "C:\\Program Files\\vqcprop64\\vqcprop64.dll"
 #define VQC_FIXTURE_DIR "C:\\Program Files\\vqcprop64"
 #include "common/com_ptr.h"
@@ -62,7 +63,7 @@ IconLocation LocateIcon(IExtractIconA* handler) {
 TEST_F(InstalledServer, CoCreateInstanceLoadsTheInstalledCopy) {
     ComPtr<IUnknown> object;
     ASSERT_EQ(CoCreateInstance(kClassId, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, object.PutVoid()), S_OK);
-    EXPECT_NE(GetModuleHandleA(DllPath().c_str()), nullptr);
+    EXPECT_NE(GetModuleHandleA(VQC_DLL_PATH), nullptr);
 }
 
 TEST_F(InstalledServer, FileWithAnIconGetsItsOwnIcons) {
@@ -90,7 +91,7 @@ TEST_F(InstalledServer, FileWithoutAnIconGetsTheInstalledDllsIcon) {
     ASSERT_TRUE(handler);
     const IconLocation location = LocateIcon(handler.Get());
     ASSERT_EQ(location.result, S_OK);
-    EXPECT_EQ(_stricmp(location.file.c_str(), DllPath().c_str()), 0) << location.file;
+    EXPECT_EQ(_stricmp(location.file.c_str(), VQC_DLL_PATH), 0) << location.file;
     HICON large = nullptr;
     HICON small = nullptr;
     ASSERT_EQ(ExtractIconExA(location.file.c_str(), location.index, &large, &small, 1), 2u);

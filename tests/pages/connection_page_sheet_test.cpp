@@ -101,12 +101,12 @@ protected:
         const SheetCase& c = GetParam();
         copy_ = std::make_unique<ExtensionCopy>(std::string("cp-sheet-") + c.client.name, c.client.fixture,
                                                 c.withVServer);
-        ASSERT_NE(copy_->module(), nullptr);
+        ASSERT_NE(copy_->Module(), nullptr);
         file_ = copy_->File("connection.vqc");
         WriteFileBytes(file_, "-h server.example -u tester");
         sheet_ = std::make_unique<ShellPropertySheet>(copy_->GetClassObject(), file_);
         ASSERT_TRUE(sheet_->Open());
-        page_ = PageWindow(sheet_->sheet(), 0);
+        page_ = PageWindow(sheet_->Sheet(), 0);
         ASSERT_NE(page_, nullptr);
     }
     void TearDown() override {
@@ -185,7 +185,7 @@ TEST_P(ConnectionPageAtClientVersion, EveryConnectionTypeAndLoginTypeShowsAndEna
 TEST_P(ConnectionPageAtClientVersion, ApplyWritesWhatTheClientUnderstands) {
     ASSERT_TRUE(SelectItem(Control(kConnectionTypeList), kRemote));
     if (GetParam().client.encryptionShown) Click(Control(kEncryptionCheck));
-    EXPECT_TRUE(Apply(sheet_->sheet()));
+    EXPECT_TRUE(Apply(sheet_->Sheet()));
     EXPECT_EQ(ReadFileBytes(file_), GetParam().client.encryptionShown ? "-h server.example -l -u tester "
                                                                       : "-h server.example -u tester ");
 }

@@ -82,16 +82,16 @@ public:
     ~ConnectionSheet() { sheet_.Destroy(); }
 
     bool Ready() const { return page_ != nullptr && window_ != nullptr; }
-    HWND sheet() const { return sheet_.sheet(); }
-    HWND page() const { return window_; }
-    CVQCConnectionPage* object() const { return page_; }
-    VQCFileInfo* record() const { return record_.Get(); }
-    const std::string& file() const { return file_; }
+    HWND Sheet() const { return sheet_.Sheet(); }
+    HWND Page() const { return window_; }
+    CVQCConnectionPage* Object() const { return page_; }
+    VQCFileInfo* Record() const { return record_.Get(); }
+    const std::string& File() const { return file_; }
     HWND Control(int id) const { return PageControl(window_, id); }
 
     // Apply, then the file's bytes.
     std::string Applied() {
-        EXPECT_TRUE(Apply(sheet()));
+        EXPECT_TRUE(Apply(Sheet()));
         return ReadFileBytes(file_);
     }
 
@@ -100,7 +100,7 @@ private:
         page_ = sheet_.Add<CVQCConnectionPage>(record, "Connection");
         if (!page_) return;
         sheet_.Show();
-        window_ = PageWindow(sheet(), 0);
+        window_ = PageWindow(Sheet(), 0);
     }
 
     TempFolder folder_;
@@ -155,10 +155,10 @@ TEST(ConnectionPage, OpeningNeitherMarksTheRecordNorEnablesApply) {
     PrivateCurrentUser user("cp-open-clean");
     ConnectionSheet sheet("cp-open-clean", "-h server.example -u tester -v svc -V 8000 -a answer -C bookmark");
     ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(sheet.record()->modified, 0);
-    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
-    EXPECT_EQ(sheet.record()->login, "tester");
-    EXPECT_EQ(sheet.record()->servicePort, 8000);
+    EXPECT_EQ(sheet.Record()->modified, 0);
+    EXPECT_FALSE(ApplyEnabled(sheet.Sheet()));
+    EXPECT_EQ(sheet.Record()->login, "tester");
+    EXPECT_EQ(sheet.Record()->servicePort, 8000);
 }
 
 TEST(ConnectionPage, FillsEveryRemoteControlFromTheRecord) {
@@ -206,8 +206,8 @@ TEST(ConnectionPage, OptionKAndLocalConnectTogetherSelectConnectLocally) {
     ASSERT_TRUE(module.Ready());
     ConnectionSheet sheet("cp-k-and-d", "-K -d target", 690);
     ASSERT_TRUE(sheet.Ready());
-    ASSERT_EQ(sheet.record()->optionK, 1);
-    ASSERT_EQ(sheet.record()->localConnect, 1);
+    ASSERT_EQ(sheet.Record()->optionK, 1);
+    ASSERT_EQ(sheet.Record()->localConnect, 1);
     EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)),
               (std::vector<std::string>{kLocal, kRemote, kDiscovery}));
     EXPECT_EQ(SelectedItem(sheet.Control(kConnectionTypeList)), kLocal);
@@ -221,8 +221,8 @@ TEST(ConnectionPage, KeepsEachEntrysPositionFoundByItsText) {
     ConnectionSheet sheet("cp-indices", "-h h", 689);
     ASSERT_TRUE(sheet.Ready());
     // The sorted list puts "Connect locally" first.
-    EXPECT_EQ(sheet.object()->ConnectionTypeIndexForTesting(), (ConnectionTypeIndices{1, 0, 2}));
-    EXPECT_EQ(sheet.object()->LoginTypeIndexForTesting(), (LoginTypeIndices{0, 1, 2, 3, 4, -1}));
+    EXPECT_EQ(sheet.Object()->ConnectionTypeIndexForTesting(), (ConnectionTypeIndices{1, 0, 2}));
+    EXPECT_EQ(sheet.Object()->LoginTypeIndexForTesting(), (LoginTypeIndices{0, 1, 2, 3, 4, -1}));
 }
 
 TEST(ConnectionPage, EntriesNotAddedKeepPositionMinusOne) {
@@ -230,8 +230,8 @@ TEST(ConnectionPage, EntriesNotAddedKeepPositionMinusOne) {
     DomainAnswer domain(NotInDomain);
     ConnectionSheet sheet("cp-indices-missing", "-h h", 690);
     ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(sheet.object()->ConnectionTypeIndexForTesting(), (ConnectionTypeIndices{0, -1, 1}));
-    EXPECT_EQ(sheet.object()->LoginTypeIndexForTesting(), (LoginTypeIndices{0, 1, 2, -1, -1, -1}));
+    EXPECT_EQ(sheet.Object()->ConnectionTypeIndexForTesting(), (ConnectionTypeIndices{0, -1, 1}));
+    EXPECT_EQ(sheet.Object()->LoginTypeIndexForTesting(), (LoginTypeIndices{0, 1, 2, -1, -1, -1}));
 }
 
 TEST(ConnectionPage, OptionKSelectsDiscoverServiceFrom665) {
@@ -290,7 +290,7 @@ TEST(ConnectionPage, Port790WithoutEncryptionShowsEmpty) {
     PrivateCurrentUser user("cp-port-790");
     ConnectionSheet sheet("cp-port-790", "-h h -V 790");
     ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(sheet.record()->servicePort, 790);
+    EXPECT_EQ(sheet.Record()->servicePort, 790);
     EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "");
 }
 
@@ -320,9 +320,9 @@ TEST(ConnectionPage, ClearingThePortEditStoresNotGiven) {
     ConnectionSheet sheet("cp-port-clear", "-h h -v svc -V 8000");
     ASSERT_TRUE(sheet.Ready());
     TypeText(sheet.Control(kServicePortEdit), "");
-    EXPECT_EQ(sheet.record()->servicePort, -1);
-    EXPECT_EQ(sheet.record()->modified, 1);
-    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Record()->servicePort, -1);
+    EXPECT_EQ(sheet.Record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
     EXPECT_EQ(sheet.Applied(), "-h h -v svc ");
 }
 
@@ -331,7 +331,7 @@ TEST(ConnectionPage, PortEditIsReadAsDecimal) {
     ConnectionSheet sheet("cp-port-type", "-h h -v svc");
     ASSERT_TRUE(sheet.Ready());
     TypeText(sheet.Control(kServicePortEdit), "4321");
-    EXPECT_EQ(sheet.record()->servicePort, 4321);
+    EXPECT_EQ(sheet.Record()->servicePort, 4321);
     EXPECT_EQ(sheet.Applied(), "-h h -V 4321 -v svc ");
 }
 
@@ -341,7 +341,7 @@ TEST(ConnectionPage, PortEditTakesLeadingDigitsAsAtoiDoes) {
     ASSERT_TRUE(sheet.Ready());
     // The edit admits digits only from the keyboard; text set otherwise still arrives.
     TypeText(sheet.Control(kServicePortEdit), "81x9");
-    EXPECT_EQ(sheet.record()->servicePort, 81);
+    EXPECT_EQ(sheet.Record()->servicePort, 81);
     EXPECT_EQ(sheet.Applied(), "-h h -V 81 -v svc ");
 }
 
@@ -352,16 +352,16 @@ TEST(ConnectionPage, TogglingLegacyProtocolEnablesApplyButLeavesModified) {
     ConnectionSheet sheet("cp-legacy", "-h h -v svc", 665);
     ASSERT_TRUE(sheet.Ready());
     ASSERT_TRUE(Shown(sheet.Control(kLegacyProtocolCheck)));
-    ASSERT_EQ(sheet.record()->noOptionM, 1);
-    ASSERT_FALSE(ApplyEnabled(sheet.sheet()));
+    ASSERT_EQ(sheet.Record()->noOptionM, 1);
+    ASSERT_FALSE(ApplyEnabled(sheet.Sheet()));
     Click(sheet.Control(kLegacyProtocolCheck));
-    EXPECT_EQ(sheet.record()->noOptionM, 0);
-    EXPECT_EQ(sheet.record()->modified, 0);
-    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Record()->noOptionM, 0);
+    EXPECT_EQ(sheet.Record()->modified, 0);
+    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
     EXPECT_EQ(sheet.Applied(), "-h h -M -v svc ");
     Click(sheet.Control(kLegacyProtocolCheck));
-    EXPECT_EQ(sheet.record()->noOptionM, 1);
-    EXPECT_EQ(sheet.record()->modified, 0);
+    EXPECT_EQ(sheet.Record()->noOptionM, 1);
+    EXPECT_EQ(sheet.Record()->modified, 0);
     EXPECT_EQ(sheet.Applied(), "-h h -v svc ");
 }
 
@@ -369,9 +369,9 @@ TEST(ConnectionPage, LegacyProtocolClickLeavesASetModifiedSet) {
     PrivateCurrentUser user("cp-legacy-set");
     ConnectionSheet sheet("cp-legacy-set", "-h h -v svc", 665);
     ASSERT_TRUE(sheet.Ready());
-    sheet.record()->modified = 1;
+    sheet.Record()->modified = 1;
     Click(sheet.Control(kLegacyProtocolCheck));
-    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Record()->modified, 1);
 }
 
 TEST(ConnectionPage, EncryptionClickSetsEncryptAndModified) {
@@ -379,12 +379,12 @@ TEST(ConnectionPage, EncryptionClickSetsEncryptAndModified) {
     ConnectionSheet sheet("cp-encrypt", "-h h");
     ASSERT_TRUE(sheet.Ready());
     Click(sheet.Control(kEncryptionCheck));
-    EXPECT_EQ(sheet.record()->encrypt, 1);
-    EXPECT_EQ(sheet.record()->modified, 1);
-    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Record()->encrypt, 1);
+    EXPECT_EQ(sheet.Record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
     EXPECT_EQ(sheet.Applied(), "-h h -l ");
     Click(sheet.Control(kEncryptionCheck));
-    EXPECT_EQ(sheet.record()->encrypt, 0);
+    EXPECT_EQ(sheet.Record()->encrypt, 0);
     EXPECT_EQ(sheet.Applied(), "-h h ");
 }
 
@@ -395,9 +395,9 @@ TEST(ConnectionPage, RemoteLoginEditStoresTheTrimmedLogin) {
     ConnectionSheet sheet("cp-login", "-h h -u tester");
     ASSERT_TRUE(sheet.Ready());
     TypeText(sheet.Control(kLoginEdit), "  new user \t");
-    EXPECT_EQ(sheet.record()->login, "new user");
-    EXPECT_EQ(sheet.record()->modified, 1);
-    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Record()->login, "new user");
+    EXPECT_EQ(sheet.Record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
     EXPECT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "tester") << "the other edit follows later";
     EXPECT_EQ(sheet.Applied(), "-h h -u \"new user\" ");
 }
@@ -407,7 +407,7 @@ TEST(ConnectionPage, DiscoveryLoginEditStoresTheTrimmedLogin) {
     ConnectionSheet sheet("cp-login-k", "-K -u finder", 665);
     ASSERT_TRUE(sheet.Ready());
     TypeText(sheet.Control(kDiscoveryLoginEdit), " seeker ");
-    EXPECT_EQ(sheet.record()->login, "seeker");
+    EXPECT_EQ(sheet.Record()->login, "seeker");
     EXPECT_EQ(sheet.Applied(), "-K -u seeker ");
 }
 
@@ -418,10 +418,10 @@ TEST(ConnectionPage, ServiceNameBookmarkAndAnswerBackAreTrimmedIntoTheRecord) {
     TypeText(sheet.Control(kServiceNameEdit), " svc ");
     TypeText(sheet.Control(kBookmarkEdit), "  run  this  ");
     ReplaceText(sheet.Control(kAnswerBackEdit), "\r\nback\r\n");
-    EXPECT_EQ(sheet.record()->serviceName, "svc");
-    EXPECT_EQ(sheet.record()->commandLine, "run  this");
-    EXPECT_EQ(sheet.record()->answerBack, "back");
-    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Record()->serviceName, "svc");
+    EXPECT_EQ(sheet.Record()->commandLine, "run  this");
+    EXPECT_EQ(sheet.Record()->answerBack, "back");
+    EXPECT_EQ(sheet.Record()->modified, 1);
     EXPECT_EQ(sheet.Applied(), "-h h -v svc -a back -C run  this");
 }
 
@@ -433,9 +433,9 @@ TEST(ConnectionPage, LocalCommandLineAndStartDirectoryAreTrimmedIntoTheRecord) {
     ASSERT_TRUE(sheet.Ready());
     TypeText(sheet.Control(kCommandLineEdit), " app.exe ");
     TypeText(sheet.Control(kStartDirectoryEdit), "  C:\\work dir ");
-    EXPECT_EQ(sheet.record()->localTarget, "app.exe");
-    EXPECT_EQ(sheet.record()->startDirectory, "C:\\work dir");
-    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Record()->localTarget, "app.exe");
+    EXPECT_EQ(sheet.Record()->startDirectory, "C:\\work dir");
+    EXPECT_EQ(sheet.Record()->modified, 1);
     EXPECT_EQ(sheet.Applied(), "-d app.exe -S \"C:\\work dir\" ");
 }
 
@@ -455,9 +455,9 @@ TEST(ConnectionPage, TypingAServerStoresTheTrimmedHost) {
     ConnectionSheet sheet("cp-server-type", "-h old.example");
     ASSERT_TRUE(sheet.Ready());
     TypeIntoCombo(sheet.Control(kServerBox), "  typed.example ");
-    EXPECT_EQ(sheet.record()->host, "typed.example");
-    EXPECT_EQ(sheet.record()->modified, 1);
-    EXPECT_TRUE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Record()->host, "typed.example");
+    EXPECT_EQ(sheet.Record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
     EXPECT_EQ(sheet.Applied(), "-h typed.example ");
 }
 
@@ -468,8 +468,8 @@ TEST(ConnectionPage, PickingARecentServerStoresItsName) {
     ConnectionSheet sheet("cp-server-pick", "-h old.example");
     ASSERT_TRUE(sheet.Ready());
     ASSERT_TRUE(SelectItem(sheet.Control(kServerBox), "beta.example"));
-    EXPECT_EQ(sheet.record()->host, "beta.example");
-    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Record()->host, "beta.example");
+    EXPECT_EQ(sheet.Record()->modified, 1);
     EXPECT_EQ(sheet.Applied(), "-h beta.example ");
 }
 
@@ -479,7 +479,7 @@ TEST(ConnectionPage, RecentServerNamesAreTrimmedWhenPicked) {
     ConnectionSheet sheet("cp-server-pick-trim", "-h old.example");
     ASSERT_TRUE(sheet.Ready());
     SelectItem(sheet.Control(kServerBox), 0);
-    EXPECT_EQ(sheet.record()->host, "spaced.example");
+    EXPECT_EQ(sheet.Record()->host, "spaced.example");
 }
 
 TEST(ConnectionPage, ServerListHoldsRecentHostsInEnumerationOrderThenTheFilesHost) {
@@ -528,7 +528,7 @@ TEST(ConnectionPage, HostTypedByHandIsListedLastWhenThePageOpensAgain) {
         ASSERT_TRUE(sheet.Ready());
         TypeIntoCombo(sheet.Control(kServerBox), "typed.example");
         EXPECT_EQ(sheet.Applied(), "-h typed.example -u tester ");
-        file = ReadFileBytes(sheet.file());
+        file = ReadFileBytes(sheet.File());
     }
     ConnectionSheet again("cp-recent-again-2", file);
     ASSERT_TRUE(again.Ready());
@@ -544,15 +544,15 @@ TEST(ConnectionPage, ChangingTheConnectionTypeStoresItAndCopiesTheLoginIntoBothE
     ConnectionSheet sheet("cp-type-change", "-h h -u tester");
     ASSERT_TRUE(sheet.Ready());
     TypeText(sheet.Control(kLoginEdit), "changed");
-    sheet.record()->modified = 0;
+    sheet.Record()->modified = 0;
     ASSERT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "tester");
     ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kDiscovery));
-    EXPECT_EQ(sheet.record()->optionK, 1);
-    EXPECT_EQ(sheet.record()->localConnect, 0);
-    EXPECT_EQ(sheet.record()->modified, 1);
+    EXPECT_EQ(sheet.Record()->optionK, 1);
+    EXPECT_EQ(sheet.Record()->localConnect, 0);
+    EXPECT_EQ(sheet.Record()->modified, 1);
     EXPECT_EQ(WindowText(sheet.Control(kDiscoveryLoginEdit)), "changed");
     EXPECT_EQ(WindowText(sheet.Control(kLoginEdit)), "changed");
-    EXPECT_EQ(sheet.record()->login, "changed");
+    EXPECT_EQ(sheet.Record()->login, "changed");
     EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
     EXPECT_EQ(sheet.Applied(), "-K -u changed ");
 }
@@ -564,13 +564,13 @@ TEST(ConnectionPage, ChangingToLocalAndBackSetsBothFlags) {
     ConnectionSheet sheet("cp-type-local", "-K -u tester", 690);
     ASSERT_TRUE(sheet.Ready());
     ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kLocal));
-    EXPECT_EQ(sheet.record()->localConnect, 1);
-    EXPECT_EQ(sheet.record()->optionK, 0);
+    EXPECT_EQ(sheet.Record()->localConnect, 1);
+    EXPECT_EQ(sheet.Record()->optionK, 0);
     EXPECT_EQ(ShownControls(sheet), kLocalLayout);
     EXPECT_EQ(sheet.Applied(), "-d  -u tester ");
     ASSERT_TRUE(SelectItem(sheet.Control(kConnectionTypeList), kRemote));
-    EXPECT_EQ(sheet.record()->localConnect, 0);
-    EXPECT_EQ(sheet.record()->optionK, 0);
+    EXPECT_EQ(sheet.Record()->localConnect, 0);
+    EXPECT_EQ(sheet.Record()->optionK, 0);
     EXPECT_EQ(ShownControls(sheet), Without(kRemoteLayout, {1024}));
     EXPECT_EQ(sheet.Applied(), "-u tester ");
 }
@@ -592,8 +592,8 @@ TEST(ConnectionPage, ConnectionTypeChangeToNoSelectionStoresDiscovery) {
     ConnectionSheet sheet("cp-type-none", "-h h -u tester", 640);
     ASSERT_TRUE(sheet.Ready());
     SelectItem(sheet.Control(kConnectionTypeList), -1);
-    EXPECT_EQ(sheet.record()->optionK, 1);
-    EXPECT_EQ(sheet.record()->localConnect, 0);
+    EXPECT_EQ(sheet.Record()->optionK, 1);
+    EXPECT_EQ(sheet.Record()->localConnect, 0);
     EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
 }
 
@@ -617,10 +617,10 @@ TEST(ConnectionPage, EachLoginTypeSetsItsOwnFlagOnly) {
         // Every other flag set first: the pick clears them.
         ConnectionSheet sheet(std::string("cp-login-type-") + std::to_string(c.version), "-h h -R", c.version);
         ASSERT_TRUE(sheet.Ready());
-        sheet.record()->optionT = sheet.record()->optionN = sheet.record()->optionL = sheet.record()->optionNM = 1;
+        sheet.Record()->optionT = sheet.Record()->optionN = sheet.Record()->optionL = sheet.Record()->optionNM = 1;
         ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), c.text)) << c.text;
-        EXPECT_EQ(sheet.record()->modified, 1) << c.text;
-        EXPECT_TRUE(ApplyEnabled(sheet.sheet())) << c.text;
+        EXPECT_EQ(sheet.Record()->modified, 1) << c.text;
+        EXPECT_TRUE(ApplyEnabled(sheet.Sheet())) << c.text;
         EXPECT_EQ(sheet.Applied(), c.bytes) << c.text;
     }
 }
@@ -632,7 +632,7 @@ TEST(ConnectionPage, NtDomainChecksLegacyProtocolWithoutTouchingTheRecord) {
     ASSERT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
     ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kNtDomain));
     EXPECT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck)));
-    EXPECT_EQ(sheet.record()->noOptionM, 0);
+    EXPECT_EQ(sheet.Record()->noOptionM, 0);
     EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1016, 1024}));
 }
 
@@ -644,7 +644,7 @@ TEST(ConnectionPage, WindowsDomainCredentialsUnchecksLegacyProtocolWithoutTouchi
     ASSERT_TRUE(Checked(sheet.Control(kLegacyProtocolCheck)));
     ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kWindowsDomain));
     EXPECT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
-    EXPECT_EQ(sheet.record()->noOptionM, 1);
+    EXPECT_EQ(sheet.Record()->noOptionM, 1);
     EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1024}));
 }
 
@@ -665,13 +665,13 @@ TEST(ConnectionPage, LoginTypeListWithNoSelectionChangesNoFlag) {
     ConnectionSheet sheet("cp-login-none", "-h h -R", 689);
     ASSERT_TRUE(sheet.Ready());
     ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kTextWindow));
-    sheet.record()->modified = 0;
-    Apply(sheet.sheet());
-    ASSERT_FALSE(ApplyEnabled(sheet.sheet()));
+    sheet.Record()->modified = 0;
+    Apply(sheet.Sheet());
+    ASSERT_FALSE(ApplyEnabled(sheet.Sheet()));
     SelectItem(sheet.Control(kLoginTypeList), -1);
-    EXPECT_EQ(sheet.record()->optionT, 1);
-    EXPECT_EQ(sheet.record()->modified, 0);
-    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_EQ(sheet.Record()->optionT, 1);
+    EXPECT_EQ(sheet.Record()->modified, 0);
+    EXPECT_FALSE(ApplyEnabled(sheet.Sheet()));
     // The rule still runs, as for "Always require password".
     EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
 }
@@ -702,7 +702,7 @@ TEST(ConnectionPage, DomainIsNotAskedBelow690) {
     ConnectionSheet sheet("cp-domain-689", "-h h", 689);
     ASSERT_TRUE(sheet.Ready());
     EXPECT_EQ(g_domainQuestions, 0);
-    EXPECT_EQ(sheet.record()->inDomainKnown, 0);
+    EXPECT_EQ(sheet.Record()->inDomainKnown, 0);
 }
 
 TEST(ConnectionPage, WindowsDomainCredentialsFileSelectsItsEntryIn690) {
@@ -749,7 +749,7 @@ TEST(ConnectionPageWithoutRecord, OpensWithEveryControlShownEnabledAndEmpty) {
         EXPECT_EQ(WindowText(sheet.Control(id)), "") << id;
     EXPECT_FALSE(Checked(sheet.Control(kEncryptionCheck)));
     EXPECT_FALSE(Checked(sheet.Control(kLegacyProtocolCheck)));
-    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_FALSE(ApplyEnabled(sheet.Sheet()));
     EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{})) << "no recent hosts either";
 }
 
@@ -762,7 +762,7 @@ TEST(ConnectionPageWithoutRecord, ConnectionTypeChangeStillShowsAndHides) {
     EXPECT_EQ(ShownControls(sheet), kRemoteLayout);
     SelectItem(sheet.Control(kConnectionTypeList), -1);
     EXPECT_EQ(ShownControls(sheet), kDiscoveryLayout);
-    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_FALSE(ApplyEnabled(sheet.Sheet()));
 }
 
 TEST(ConnectionPageWithoutRecord, ConnectionTypeChangeStillAppliesTheLoginTypeRule) {
@@ -794,7 +794,7 @@ TEST(ConnectionPageWithoutRecord, LoginTypeChangeStillEnablesAndDisables) {
     EXPECT_EQ(DisabledControls(sheet), (std::set<int>{1010, 1016, 1020, 1023, 1024}));
     ASSERT_TRUE(SelectItem(sheet.Control(kLoginTypeList), kCachePassword));
     EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
-    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
+    EXPECT_FALSE(ApplyEnabled(sheet.Sheet()));
 }
 
 TEST(ConnectionPageWithoutRecord, EditsAndClicksChangeNothingAndApplyWritesNothing) {
@@ -811,10 +811,10 @@ TEST(ConnectionPageWithoutRecord, EditsAndClicksChangeNothingAndApplyWritesNothi
     Click(sheet.Control(kEncryptionCheck));
     Click(sheet.Control(kLegacyProtocolCheck));
     EXPECT_TRUE(Checked(sheet.Control(kEncryptionCheck)));
-    EXPECT_EQ(sheet.object()->Record(), nullptr);
-    EXPECT_FALSE(ApplyEnabled(sheet.sheet()));
-    EXPECT_FALSE(Apply(sheet.sheet()));
-    EXPECT_EQ(GetFileAttributesA(sheet.file().c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(sheet.Object()->Record(), nullptr);
+    EXPECT_FALSE(ApplyEnabled(sheet.Sheet()));
+    EXPECT_FALSE(Apply(sheet.Sheet()));
+    EXPECT_EQ(GetFileAttributesA(sheet.File().c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
 TEST(ConnectionPageWithoutRecord, EveryCommandOfTheMapIsAnsweredAsHandled) {
@@ -828,18 +828,18 @@ TEST(ConnectionPageWithoutRecord, EveryCommandOfTheMapIsAnsweredAsHandled) {
         {kBookmarkEdit, EN_CHANGE},     {kAnswerBackEdit, EN_CHANGE},     {kServicePortEdit, EN_CHANGE},
         {kEncryptionCheck, BN_CLICKED}, {kLegacyProtocolCheck, BN_CLICKED},
     };
-    auto* dialogProc = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(sheet.page(), DWLP_DLGPROC));
+    auto* dialogProc = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(sheet.Page(), DWLP_DLGPROC));
     ASSERT_NE(dialogProc, nullptr);
     for (const auto& [id, code] : commands) {
         const WPARAM wParam = MAKEWPARAM(id, code);
-        EXPECT_EQ(dialogProc(sheet.page(), WM_COMMAND, wParam, reinterpret_cast<LPARAM>(sheet.Control(id))), TRUE)
+        EXPECT_EQ(dialogProc(sheet.Page(), WM_COMMAND, wParam, reinterpret_cast<LPARAM>(sheet.Control(id))), TRUE)
             << id << " " << code;
     }
     // Commands outside the map are passed on.
-    EXPECT_EQ(dialogProc(sheet.page(), WM_COMMAND, MAKEWPARAM(kServicePortEdit, EN_UPDATE),
+    EXPECT_EQ(dialogProc(sheet.Page(), WM_COMMAND, MAKEWPARAM(kServicePortEdit, EN_UPDATE),
                          reinterpret_cast<LPARAM>(sheet.Control(kServicePortEdit))),
               FALSE);
-    EXPECT_EQ(dialogProc(sheet.page(), WM_COMMAND, MAKEWPARAM(kEncryptionCheck, BN_SETFOCUS),
+    EXPECT_EQ(dialogProc(sheet.Page(), WM_COMMAND, MAKEWPARAM(kEncryptionCheck, BN_SETFOCUS),
                          reinterpret_cast<LPARAM>(sheet.Control(kEncryptionCheck))),
               FALSE);
 }

@@ -234,8 +234,8 @@ TEST(PageResizing, NoPageSetsAMinimumTrackingSize) {
     auto* proxy = sheet.Add<CVQCProxyPage>(nullptr);
     auto* options = sheet.Add<CVQCOptionPage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
     for (HWND window : {connection->Window(), proxy->Window(), options->Window()}) {
         ASSERT_NE(window, nullptr);
         MINMAXINFO info{};
@@ -252,8 +252,8 @@ TEST(PageResizing, NoPageHasASizeGrip) {
     auto* proxy = sheet.Add<CVQCProxyPage>(nullptr);
     auto* options = sheet.Add<CVQCOptionPage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
     const int templateControls[] = {24, 12, 7};
     int i = 0;
     for (HWND window : {connection->Window(), proxy->Window(), options->Window()}) {

@@ -29,11 +29,11 @@ public:
     }
 
     // What was seen (valid after Finish).
-    bool sawDialog() const { return dialog_ != nullptr; }
-    HWND owner() const { return owner_; }
-    const std::string& title() const { return title_; }
-    const std::string& fileNameShown() const { return fileName_; }
-    const std::string& fileTypeShown() const { return fileType_; }
+    bool SawDialog() const { return dialog_ != nullptr; }
+    HWND Owner() const { return owner_; }
+    const std::string& Title() const { return title_; }
+    const std::string& FileNameShown() const { return fileName_; }
+    const std::string& FileTypeShown() const { return fileType_; }
 
 private:
     static std::string TextOf(HWND window) {

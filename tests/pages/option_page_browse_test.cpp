@@ -79,7 +79,7 @@ TEST_F(RecordedBrowse, DialogGetsTheSourceTheFlagsTheFilterAndThePageAsOwner) {
     EXPECT_EQ(recorded.settings.lStructSize, 152u);
     EXPECT_EQ(recorded.settings.lStructSize, OpenFileDialog::StructureSize());
     EXPECT_EQ(recorded.settings.Flags, 0x881024u);
-    EXPECT_TRUE(IsSameWindow(recorded.settings.hwndOwner, sheet.window()));
+    EXPECT_TRUE(IsSameWindow(recorded.settings.hwndOwner, sheet.Window()));
     EXPECT_EQ(recorded.settings.lpstrDefExt, nullptr);
     EXPECT_EQ(recorded.settings.nMaxFile, 260u);
     EXPECT_EQ(recorded.file, IconsDll());
@@ -92,7 +92,7 @@ TEST_F(RecordedBrowse, InitialNameLongerThan259CharactersIsCut) {
     const std::string longPath = "C:\\" + std::string(280, 'p') + "\\client.dll";
     const ComPtr<VQCFileInfo> record = Record(longPath);
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), longPath);
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), longPath);
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     ASSERT_EQ(recorded.calls, 1);
     EXPECT_EQ(recorded.file, longPath.substr(0, 259));
@@ -106,7 +106,7 @@ TEST_F(RecordedBrowse, CancelChangesNothing) {
     recorded.result = FALSE;
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     ASSERT_EQ(recorded.calls, 1);
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), IconsDll());
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), IconsDll());
     EXPECT_EQ(sheet.Label(), "Look for icons in: option_icons.dll");
     EXPECT_EQ(sheet.ListCount(), 5);
     EXPECT_EQ(record->icon.Get(), icon);
@@ -121,11 +121,11 @@ TEST_F(RecordedBrowse, ConfirmedFileChangesLabelAndListButNotTheRecord) {
     recorded.answer = IconFile("true_colour");
     recorded.result = TRUE;
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), IconFile("true_colour"));
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), IconFile("true_colour"));
     EXPECT_EQ(sheet.Label(), "Look for icons in: true_colour.ico");
     ASSERT_EQ(sheet.ListCount(), 1);
     EXPECT_EQ(SignatureOf(sheet.ListIcon(0)), signature::kTrueColourLarge);
-    EXPECT_EQ(SendMessageA(sheet.list(), LB_GETCURSEL, 0, 0), LB_ERR);  // nothing selected
+    EXPECT_EQ(SendMessageA(sheet.List(), LB_GETCURSEL, 0, 0), LB_ERR);  // nothing selected
     EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_EQ(record->smallIcon.Get(), small);
     EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kFourBitLarge);
@@ -199,13 +199,13 @@ TEST(OptionPageBrowseDialog, TypedFileChangesLabelAndListThenAClickChangesTheRec
     page_test::FileDialogDriver driver(GetCurrentThreadId(), chosen);
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     driver.Finish();
-    ASSERT_TRUE(driver.sawDialog());
-    EXPECT_EQ(driver.title(), "Open");
-    EXPECT_TRUE(IsSameWindow(driver.owner(), sheet.sheet()));  // the page's top-level window
-    EXPECT_EQ(driver.fileNameShown(), "option_icons.dll");
-    EXPECT_EQ(driver.fileTypeShown(), "Executable and icon files");
+    ASSERT_TRUE(driver.SawDialog());
+    EXPECT_EQ(driver.Title(), "Open");
+    EXPECT_TRUE(IsSameWindow(driver.Owner(), sheet.Sheet()));  // the page's top-level window
+    EXPECT_EQ(driver.FileNameShown(), "option_icons.dll");
+    EXPECT_EQ(driver.FileTypeShown(), "Executable and icon files");
 
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), chosen);
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), chosen);
     EXPECT_EQ(sheet.Label(), "Look for icons in: black_white.ico");
     ASSERT_EQ(sheet.ListCount(), 1);
     EXPECT_EQ(SignatureOf(sheet.ListIcon(0)), signature::kWhite);
@@ -226,8 +226,8 @@ TEST(OptionPageBrowseDialog, CancelledDialogChangesNothing) {
     page_test::FileDialogDriver driver(GetCurrentThreadId(), "");
     sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
     driver.Finish();
-    ASSERT_TRUE(driver.sawDialog());
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), WindowsPath(IconsDll()));
+    ASSERT_TRUE(driver.SawDialog());
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), WindowsPath(IconsDll()));
     EXPECT_EQ(sheet.Label(), "Look for icons in: option_icons.dll");
     EXPECT_EQ(sheet.ListCount(), 5);
     EXPECT_EQ(record->icon.Get(), icon);

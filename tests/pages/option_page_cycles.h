@@ -58,8 +58,8 @@ public:
     HandleSqueeze& operator=(const HandleSqueeze&) = delete;
 
     // How many the tables gave before they refused.
-    std::size_t iconsHeld() const { return iconsHeld_; }
-    std::size_t bitmapsHeld() const { return bitmapsHeld_; }
+    std::size_t IconsHeld() const { return iconsHeld_; }
+    std::size_t BitmapsHeld() const { return bitmapsHeld_; }
 
     // How many more icons and bitmaps can be made right now (made and destroyed again).
     static std::size_t IconsLeft() {
@@ -103,7 +103,7 @@ inline bool OpenPickApplyClose(const std::string& file) {
     bool ok = true;
     {
         OptionSheet sheet(record.Get());
-        if (!sheet.window()) return false;
+        if (!sheet.Window()) return false;
         ok = ok && sheet.ListCount() == 5 && record->icon && record->smallIcon;
         const OpenFileDialog::ShowFunction previous = OpenFileDialog::SetShowFunctionForTesting(PickTheIconsDll);
         sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
@@ -111,7 +111,7 @@ inline bool OpenPickApplyClose(const std::string& file) {
         ok = ok && sheet.ListCount() == 5;
         sheet.ClickItem(1);
         sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
-        ok = ok && page_test::Apply(sheet.sheet()) != FALSE;
+        ok = ok && page_test::Apply(sheet.Sheet()) != FALSE;
     }
     const std::string written = ReadFileBytes(file);
     return ok && written.find("-I \"") != std::string::npos;

@@ -55,7 +55,7 @@ public:
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
-    HDC dc() const { return dc_.Get(); }
+    HDC Dc() const { return dc_.Get(); }
     std::vector<std::uint32_t> Pixels() const { return section_.Pixels(); }
 
 private:
@@ -74,7 +74,7 @@ void DrawThroughThePage(HWND page, const Canvas& canvas, int width, int height, 
     draw.itemAction = action;
     draw.itemState = state;
     draw.hwndItem = GetDlgItem(page, CVQCOptionPage::kIconListId);
-    draw.hDC = canvas.dc();
+    draw.hDC = canvas.Dc();
     draw.rcItem = {0, 0, width, height};
     draw.itemData = reinterpret_cast<ULONG_PTR>(icon);
     SendMessageA(page, WM_DRAWITEM, controlId, reinterpret_cast<LPARAM>(&draw));
@@ -93,11 +93,11 @@ TEST(OptionPageDraw, MeasuredItemsAreOneAndAHalfIconSizesSquare) {
     measure.CtlID = CVQCOptionPage::kIconListId;
     measure.itemWidth = 0xdeadbeef;
     measure.itemHeight = 0xdeadbeef;
-    EXPECT_EQ(SendMessageA(sheet.window(), WM_MEASUREITEM, measure.CtlID, reinterpret_cast<LPARAM>(&measure)), TRUE);
+    EXPECT_EQ(SendMessageA(sheet.Window(), WM_MEASUREITEM, measure.CtlID, reinterpret_cast<LPARAM>(&measure)), TRUE);
     EXPECT_EQ(measure.itemWidth, 48u);
     EXPECT_EQ(measure.itemHeight, 48u);
-    EXPECT_EQ(SendMessageA(sheet.list(), LB_GETITEMHEIGHT, 0, 0), 48);
-    EXPECT_EQ(ItemRect(sheet.list(), 0).bottom - ItemRect(sheet.list(), 0).top, 48);
+    EXPECT_EQ(SendMessageA(sheet.List(), LB_GETITEMHEIGHT, 0, 0), 48);
+    EXPECT_EQ(ItemRect(sheet.List(), 0).bottom - ItemRect(sheet.List(), 0).top, 48);
 }
 
 // ---- Drawing in the list --------------------------------------------------------------------
@@ -106,13 +106,13 @@ TEST(OptionPageDraw, ItemShowsItsIconCentredOnTheWindowColour) {
     TempFolder folder("option-draw-item");
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
-    ASSERT_EQ(SendMessageA(sheet.list(), LB_GETCURSEL, 0, 0), LB_ERR);
+    ASSERT_EQ(SendMessageA(sheet.List(), LB_GETCURSEL, 0, 0), LB_ERR);
     for (int index : {0, 2}) {
-        const RECT item = ItemRect(sheet.list(), index);
+        const RECT item = ItemRect(sheet.List(), index);
         const int width = item.right - item.left, height = item.bottom - item.top;
         ASSERT_GT(width, 32);
         EXPECT_EQ(height, 48);
-        EXPECT_EQ(WindowPixels(sheet.list(), item),
+        EXPECT_EQ(WindowPixels(sheet.List(), item),
                   ExpectedItem(width, height, sheet.ListIcon(index), 32, GetSysColor(COLOR_WINDOW)))
             << "item " << index;
     }
@@ -123,18 +123,18 @@ TEST(OptionPageDraw, SelectedItemIsFilledWithTheHighlightColour) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     sheet.ClickItem(1);
-    const RECT selected = ItemRect(sheet.list(), 1);
+    const RECT selected = ItemRect(sheet.List(), 1);
     const int width = selected.right - selected.left, height = selected.bottom - selected.top;
-    const std::vector<std::uint32_t> pixels = WindowPixels(sheet.list(), selected);
+    const std::vector<std::uint32_t> pixels = WindowPixels(sheet.List(), selected);
     const std::vector<std::uint32_t> expected =
         ExpectedItem(width, height, sheet.ListIcon(1), 32, GetSysColor(COLOR_HIGHLIGHT));
     // The list does not have the focus, so no focus rectangle is drawn.
-    EXPECT_FALSE(IsSameWindow(GetFocus(), sheet.list()));
+    EXPECT_FALSE(IsSameWindow(GetFocus(), sheet.List()));
     EXPECT_EQ(pixels, expected);
     EXPECT_GT(CountOf(pixels, Rgb(GetSysColor(COLOR_HIGHLIGHT))), width * height / 4);
 
-    const RECT other = ItemRect(sheet.list(), 0);
-    EXPECT_EQ(WindowPixels(sheet.list(), other),
+    const RECT other = ItemRect(sheet.List(), 0);
+    EXPECT_EQ(WindowPixels(sheet.List(), other),
               ExpectedItem(other.right - other.left, other.bottom - other.top, sheet.ListIcon(0), 32,
                            GetSysColor(COLOR_WINDOW)));
 }
@@ -150,11 +150,11 @@ TEST(OptionPageDraw, LargerIconSizeMakesLargerItemsWithTheIconWhereANominalOneWo
     TempFolder folder("option-draw-48");
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
-    const RECT item = ItemRect(sheet.list(), 0);
+    const RECT item = ItemRect(sheet.List(), 0);
     const int width = item.right - item.left, height = item.bottom - item.top;
     EXPECT_EQ(height, 72);
     // The listed icon is 32 pixels; it sits where a 48-pixel one would be centred.
-    EXPECT_EQ(WindowPixels(sheet.list(), item),
+    EXPECT_EQ(WindowPixels(sheet.List(), item),
               ExpectedItem(width, height, sheet.ListIcon(0), 48, GetSysColor(COLOR_WINDOW)));
 }
 
@@ -165,7 +165,7 @@ TEST(OptionPageDraw, WholeItemOnACanvasPutsTheIconAt20For32Pixels) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(72, 72);
-    DrawThroughThePage(sheet.window(), canvas, 72, 72, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
+    DrawThroughThePage(sheet.Window(), canvas, 72, 72, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
                        ODA_DRAWENTIRE, 0);
     const std::vector<std::uint32_t> pixels = canvas.Pixels();
     EXPECT_EQ(pixels, ExpectedItem(72, 72, sheet.ListIcon(0), 32, GetSysColor(COLOR_WINDOW)));
@@ -182,7 +182,7 @@ TEST(OptionPageDraw, SmallerCellThanTheIconPutsItAboveAndLeftBySignedDivision) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(27, 27);
-    DrawThroughThePage(sheet.window(), canvas, 27, 27, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
+    DrawThroughThePage(sheet.Window(), canvas, 27, 27, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
                        ODA_DRAWENTIRE, ODS_SELECTED);
     // (27 - 32) / 2 = -2: the icon starts two pixels above and left of the cell.
     EXPECT_EQ(canvas.Pixels(), ExpectedItem(27, 27, sheet.ListIcon(0), 32, GetSysColor(COLOR_HIGHLIGHT)));
@@ -193,7 +193,7 @@ TEST(OptionPageDraw, FocusActionDrawsOnlyTheFocusRectangle) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(48, 48);
-    DrawThroughThePage(sheet.window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0, ODA_FOCUS,
+    DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0, ODA_FOCUS,
                        ODS_FOCUS);
     const std::vector<std::uint32_t> pixels = canvas.Pixels();
     const std::vector<std::uint32_t> edge = Edge(pixels, 48, 48);
@@ -209,7 +209,7 @@ TEST(OptionPageDraw, FocusedWholeItemGetsFillIconAndFocusRectangle) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(48, 48);
-    DrawThroughThePage(sheet.window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
+    DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
                        ODA_DRAWENTIRE, ODS_SELECTED | ODS_FOCUS);
     const std::vector<std::uint32_t> pixels = canvas.Pixels();
     const std::uint32_t highlight = Rgb(GetSysColor(COLOR_HIGHLIGHT));
@@ -226,13 +226,13 @@ TEST(OptionPageDraw, NegativeItemOrAnotherControlDrawsNothing) {
     const std::vector<std::uint32_t> untouched(48 * 48, Canvas::kUntouched);
     {
         Canvas canvas(48, 48);
-        DrawThroughThePage(sheet.window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId,
+        DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId,
                            static_cast<UINT>(-1), ODA_DRAWENTIRE | ODA_FOCUS, ODS_FOCUS);
         EXPECT_EQ(canvas.Pixels(), untouched);
     }
     {
         Canvas canvas(48, 48);
-        DrawThroughThePage(sheet.window(), canvas, 48, 48, sheet.ListIcon(0), 1040, 0, ODA_DRAWENTIRE | ODA_FOCUS,
+        DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), 1040, 0, ODA_DRAWENTIRE | ODA_FOCUS,
                            ODS_FOCUS);
         EXPECT_EQ(canvas.Pixels(), untouched);
     }

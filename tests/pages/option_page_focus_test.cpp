@@ -22,20 +22,20 @@ TEST(OptionPageFocus, FocusedListDrawsTheFocusRectangleAroundTheCurrentItem) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     sheet.ClickItem(0);
-    SetFocus(sheet.list());
+    SetFocus(sheet.List());
     page_test::PumpMessages();
-    ASSERT_TRUE(IsSameWindow(GetFocus(), sheet.list()));
-    const RECT item = ItemRect(sheet.list(), 0);
+    ASSERT_TRUE(IsSameWindow(GetFocus(), sheet.List()));
+    const RECT item = ItemRect(sheet.List(), 0);
     const int width = item.right - item.left, height = item.bottom - item.top;
     const std::uint32_t highlight = Rgb(GetSysColor(COLOR_HIGHLIGHT));
-    const std::vector<std::uint32_t> edge = Edge(WindowPixels(sheet.list(), item), width, height);
+    const std::vector<std::uint32_t> edge = Edge(WindowPixels(sheet.List(), item), width, height);
     // The dotted rectangle inverts every other pixel of the edge.
     EXPECT_GT(CountOf(edge, highlight), static_cast<long>(edge.size()) / 4);
     EXPECT_GT(CountOf(edge, highlight ^ 0x00FFFFFF), static_cast<long>(edge.size()) / 4);
 
     // Without the focus the edge is the plain fill.
-    SetFocus(sheet.control(CVQCOptionPage::kBrowseButtonId));
+    SetFocus(sheet.Control(CVQCOptionPage::kBrowseButtonId));
     page_test::PumpMessages();
-    const std::vector<std::uint32_t> plain = Edge(WindowPixels(sheet.list(), item), width, height);
+    const std::vector<std::uint32_t> plain = Edge(WindowPixels(sheet.List(), item), width, height);
     EXPECT_EQ(CountOf(plain, highlight), static_cast<long>(plain.size()));
 }

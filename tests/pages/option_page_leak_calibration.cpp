@@ -27,8 +27,8 @@ int main(int argc, char** argv) {
     std::vector<UniqueIcon> keptIcons;
     std::vector<UniqueGdiObject> keptBitmaps;
     HandleSqueeze squeeze(headroom);
-    std::printf("held %zu icons and %zu bitmaps, %zu icons and %zu bitmaps left\n", squeeze.iconsHeld(),
-                squeeze.bitmapsHeld(), HandleSqueeze::IconsLeft(), HandleSqueeze::BitmapsLeft());
+    std::printf("held %zu icons and %zu bitmaps, %zu icons and %zu bitmaps left\n", squeeze.IconsHeld(),
+                squeeze.BitmapsHeld(), HandleSqueeze::IconsLeft(), HandleSqueeze::BitmapsLeft());
     for (int round = 1; round <= rounds; ++round) {
         if (!OpenPickApplyClose(file)) {
             std::printf("leak %s: round %d failed\n", leak.c_str(), round);

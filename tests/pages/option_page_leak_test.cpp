@@ -24,8 +24,8 @@ TEST(OptionPageLeaks, AThousandRoundsWithThreeHundredHandlesToSpareStillFillTheL
     ASSERT_TRUE(OpenPickApplyClose(file));  // everything the rounds need is loaded once
 
     HandleSqueeze squeeze(kHeadroom);
-    ASSERT_GT(squeeze.iconsHeld(), 10000u);
-    ASSERT_GT(squeeze.bitmapsHeld(), 10000u);
+    ASSERT_GT(squeeze.IconsHeld(), 10000u);
+    ASSERT_GT(squeeze.BitmapsHeld(), 10000u);
     // The squeeze is real: only about the headroom is left.
     const std::size_t iconsLeft = HandleSqueeze::IconsLeft();
     const std::size_t bitmapsLeft = HandleSqueeze::BitmapsLeft();

@@ -59,21 +59,21 @@ void ExpectWrittenAsShown(HWND page, const std::string& file) {
 
 TEST(OptionPageShell, WithoutAClientTheFileAdoptsTheDllsOwnIconAndApplyWritesIt) {
     ExtensionCopy extension("option-shell-own");
-    ASSERT_NE(extension.module(), nullptr);
+    ASSERT_NE(extension.Module(), nullptr);
     const std::string file = extension.File("own.vqc");
     WriteFileBytes(file, "-h server ");
     {
         ShellPropertySheet sheet(extension.GetClassObject(), file);
         ASSERT_TRUE(sheet.Open());
-        ASSERT_EQ(PageTitle(sheet.sheet(), kOptionsPage), "Options");
-        ShowPage(sheet.sheet(), kOptionsPage);
-        const HWND page = PageWindow(sheet.sheet(), kOptionsPage);
+        ASSERT_EQ(PageTitle(sheet.Sheet(), kOptionsPage), "Options");
+        ShowPage(sheet.Sheet(), kOptionsPage);
+        const HWND page = PageWindow(sheet.Sheet(), kOptionsPage);
         ASSERT_NE(page, nullptr);
         EXPECT_EQ(Label(page), "Look for icons in: vqcprop64.dll");
         EXPECT_EQ(SendMessageA(GetDlgItem(page, 1041), LB_GETCOUNT, 0, 0), 1);
-        ExpectAdoptedFrom(page, extension.dllPath());
+        ExpectAdoptedFrom(page, extension.DllPath());
         EXPECT_EQ(ReadFileBytes(file), "-h server ");  // nothing written before Apply
-        EXPECT_TRUE(Apply(sheet.sheet()));
+        EXPECT_TRUE(Apply(sheet.Sheet()));
         EXPECT_EQ(ReadFileBytes(file).rfind("-h server \r\n-I \"", 0), 0u);
         ExpectWrittenAsShown(page, file);
     }
@@ -81,19 +81,19 @@ TEST(OptionPageShell, WithoutAClientTheFileAdoptsTheDllsOwnIconAndApplyWritesIt)
 
 TEST(OptionPageShell, FileAdoptsTheFirstIconOfTheInstalledClientAndApplyWritesIt) {
     ExtensionCopy extension("option-shell-client", "option_icons");
-    ASSERT_NE(extension.module(), nullptr);
+    ASSERT_NE(extension.Module(), nullptr);
     const std::string file = extension.File("client.vqc");
     WriteFileBytes(file, "-h server ");
     {
         ShellPropertySheet sheet(extension.GetClassObject(), file);
         ASSERT_TRUE(sheet.Open());
-        ShowPage(sheet.sheet(), kOptionsPage);
-        const HWND page = PageWindow(sheet.sheet(), kOptionsPage);
+        ShowPage(sheet.Sheet(), kOptionsPage);
+        const HWND page = PageWindow(sheet.Sheet(), kOptionsPage);
         ASSERT_NE(page, nullptr);
         EXPECT_EQ(Label(page), "Look for icons in: vclient.dll");
         EXPECT_EQ(SendMessageA(GetDlgItem(page, 1041), LB_GETCOUNT, 0, 0), 5);
         ExpectAdoptedFrom(page, extension.File("vclient.dll"));
-        EXPECT_TRUE(Apply(sheet.sheet()));
+        EXPECT_TRUE(Apply(sheet.Sheet()));
         ExpectWrittenAsShown(page, file);
     }
 }

@@ -69,10 +69,10 @@ TEST_P(ShellIconSizeOnThePage, SetsTheIconSizeAndTheItemHeight) {
     TempFolder folder("option-size");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    ASSERT_NE(sheet.window(), nullptr);
-    EXPECT_EQ(sheet.page()->IconSizeForTesting(), c.iconSize);
+    ASSERT_NE(sheet.Window(), nullptr);
+    EXPECT_EQ(sheet.Page()->IconSizeForTesting(), c.iconSize);
     ASSERT_GT(sheet.ListCount(), 0);
-    EXPECT_EQ(SendMessageA(sheet.list(), LB_GETITEMHEIGHT, 0, 0), c.iconSize * 3 / 2);
+    EXPECT_EQ(SendMessageA(sheet.List(), LB_GETITEMHEIGHT, 0, 0), c.iconSize * 3 / 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -96,8 +96,8 @@ TEST(OptionPage, WithoutTheSettingTheIconSizeIs32AndItemsAre48) {
     TempFolder folder("option-no-setting");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(sheet.page()->IconSizeForTesting(), 32);
-    EXPECT_EQ(SendMessageA(sheet.list(), LB_GETITEMHEIGHT, 0, 0), 48);
+    EXPECT_EQ(sheet.Page()->IconSizeForTesting(), 32);
+    EXPECT_EQ(SendMessageA(sheet.List(), LB_GETITEMHEIGHT, 0, 0), 48);
 }
 
 // ---- The icon list and the adopted icon ---------------------------------------------------
@@ -106,7 +106,7 @@ TEST(OptionPage, ListHoldsEveryIconOfTheClientWhoseTwoSizesExtractInFileOrder) {
     TempFolder folder("option-list");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), IconsDll());
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), IconsDll());
     ASSERT_EQ(sheet.ListCount(), 5);
     for (int i = 0; i < 5; ++i) {
         EXPECT_EQ(IconWidth(sheet.ListIcon(i)), GetSystemMetrics(SM_CXICON)) << i;
@@ -169,7 +169,7 @@ TEST(OptionPage, ApplyWritesTheAdoptedIconIntoTheFile) {
     TempFolder folder("option-adopt-apply");
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     OptionSheet sheet(record.Get());
-    EXPECT_TRUE(page_test::Apply(sheet.sheet()));
+    EXPECT_TRUE(page_test::Apply(sheet.Sheet()));
     const std::string written = ReadFileBytes(record->filePath);
     EXPECT_EQ(written.rfind("-h server \r\n-I \"", 0), 0u) << written.substr(0, 40);
     const WrittenIcons back = ReadBack(record->filePath);
@@ -203,7 +203,7 @@ TEST(OptionPage, WithoutAClientTheSourceIsThisModulesOwnFile) {
     OptionSheet sheet(record.Get());
     char self[MAX_PATH + 1] = {};
     GetModuleFileNameA(nullptr, self, sizeof(self));
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), self);
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), self);
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_EQ(record->icon.Get(), nullptr);
     EXPECT_EQ(record->smallIcon.Get(), nullptr);
@@ -272,7 +272,7 @@ TEST(OptionPage, SelectionChangeToNothingChangesNothing) {
     OptionSheet sheet(record.Get());
     const HICON icon = record->icon.Get();
     sheet.ClickItem(-1);
-    EXPECT_EQ(SendMessageA(sheet.list(), LB_GETCURSEL, 0, 0), LB_ERR);
+    EXPECT_EQ(SendMessageA(sheet.List(), LB_GETCURSEL, 0, 0), LB_ERR);
     EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_FALSE(sheet.ApplyEnabled());
 }
@@ -286,7 +286,7 @@ TEST(OptionPage, BlackAndWhiteIconPickedAndAppliedReadsBackTheSame) {
     ASSERT_TRUE(GetIconInfo(record->icon.Get(), &info));
     const UniqueGdiObject colour(info.hbmColor), mask(info.hbmMask);
     EXPECT_EQ(info.hbmColor, nullptr);  // a real black-and-white icon
-    ASSERT_TRUE(page_test::Apply(sheet.sheet()));
+    ASSERT_TRUE(page_test::Apply(sheet.Sheet()));
     const WrittenIcons back = ReadBack(record->filePath);
     ASSERT_TRUE(back.icon);
     ASSERT_TRUE(back.smallIcon);
@@ -307,7 +307,7 @@ TEST(OptionPage, FourBitIconPickedAndAppliedReadsBackTheSame) {
     record->SetIcons(MakeTestIcon(32, 8), nullptr);  // something else first
     OptionSheet sheet(record.Get());
     sheet.ClickItem(0);
-    ASSERT_TRUE(page_test::Apply(sheet.sheet()));
+    ASSERT_TRUE(page_test::Apply(sheet.Sheet()));
     const WrittenIcons back = ReadBack(record->filePath);
     ASSERT_TRUE(back.icon);
     EXPECT_EQ(IconSize(back.icon.Get()).cx, 32);
@@ -329,7 +329,7 @@ TEST(OptionPage, CheckBoxIsCheckedExactlyWhenOptionSIsClear) {
         const ComPtr<VQCFileInfo> record = ClientRecord(folder);
         record->option_s = value;
         OptionSheet sheet(record.Get());
-        EXPECT_EQ(SendMessageA(sheet.control(CVQCOptionPage::kDynamicSizingId), BM_GETCHECK, 0, 0),
+        EXPECT_EQ(SendMessageA(sheet.Control(CVQCOptionPage::kDynamicSizingId), BM_GETCHECK, 0, 0),
                   value == 0 ? BST_CHECKED : BST_UNCHECKED);
     }
 }
@@ -345,7 +345,7 @@ TEST(OptionPage, CheckingClearsOptionSAndUncheckingSetsIt) {
     sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
     EXPECT_EQ(record->option_s, 1);
     EXPECT_EQ(record->modified, 0);
-    ASSERT_TRUE(page_test::Apply(sheet.sheet()));
+    ASSERT_TRUE(page_test::Apply(sheet.Sheet()));
     EXPECT_NE(ReadFileBytes(record->filePath).find("-s "), std::string::npos);
 }
 
@@ -353,14 +353,14 @@ TEST(OptionPage, CheckingClearsOptionSAndUncheckingSetsIt) {
 
 TEST(OptionPage, WithoutARecordTheControlsStayEmptyAndNothingReacts) {
     OptionSheet sheet(nullptr);
-    ASSERT_NE(sheet.window(), nullptr);
+    ASSERT_NE(sheet.Window(), nullptr);
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_EQ(sheet.Label(), "");
-    EXPECT_EQ(sheet.page()->IconFileForTesting(), "");
+    EXPECT_EQ(sheet.Page()->IconFileForTesting(), "");
     sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
     sheet.ClickItem(0);
     EXPECT_FALSE(sheet.ApplyEnabled());
-    EXPECT_FALSE(page_test::Apply(sheet.sheet()));
+    EXPECT_FALSE(page_test::Apply(sheet.Sheet()));
 }
 
 // ---- Window destruction -------------------------------------------------------------------

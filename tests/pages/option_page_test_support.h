@@ -70,36 +70,36 @@ public:
     OptionSheet(const OptionSheet&) = delete;
     OptionSheet& operator=(const OptionSheet&) = delete;
 
-    CVQCOptionPage* page() const { return page_; }
-    HWND sheet() const { return sheet_.sheet(); }
-    HWND window() const { return page_ ? page_->Window() : nullptr; }
-    HWND control(int id) const { return GetDlgItem(window(), id); }
-    HWND list() const { return control(CVQCOptionPage::kIconListId); }
+    CVQCOptionPage* Page() const { return page_; }
+    HWND Sheet() const { return sheet_.Sheet(); }
+    HWND Window() const { return page_ ? page_->Window() : nullptr; }
+    HWND Control(int id) const { return GetDlgItem(Window(), id); }
+    HWND List() const { return Control(CVQCOptionPage::kIconListId); }
 
-    int ListCount() const { return static_cast<int>(SendMessageA(list(), LB_GETCOUNT, 0, 0)); }
+    int ListCount() const { return static_cast<int>(SendMessageA(List(), LB_GETCOUNT, 0, 0)); }
     HICON ListIcon(int index) const {
-        return reinterpret_cast<HICON>(SendMessageA(list(), LB_GETITEMDATA, static_cast<WPARAM>(index), 0));
+        return reinterpret_cast<HICON>(SendMessageA(List(), LB_GETITEMDATA, static_cast<WPARAM>(index), 0));
     }
     HICON ShownIcon(int viewId) const {
-        return reinterpret_cast<HICON>(SendMessageA(control(viewId), STM_GETICON, 0, 0));
+        return reinterpret_cast<HICON>(SendMessageA(Control(viewId), STM_GETICON, 0, 0));
     }
     std::string Label() const {
         char text[512] = {};
-        GetWindowTextA(control(CVQCOptionPage::kSourceLabelId), text, sizeof(text));
+        GetWindowTextA(Control(CVQCOptionPage::kSourceLabelId), text, sizeof(text));
         return text;
     }
-    bool ApplyEnabled() const { return page_test::ApplyEnabled(sheet()); }
+    bool ApplyEnabled() const { return page_test::ApplyEnabled(Sheet()); }
 
     // A click on list item index: the selection moves and the list tells its owner.
     void ClickItem(int index) const {
-        SendMessageA(list(), LB_SETCURSEL, static_cast<WPARAM>(index), 0);
-        SendMessageA(window(), WM_COMMAND, MAKEWPARAM(CVQCOptionPage::kIconListId, LBN_SELCHANGE),
-                     reinterpret_cast<LPARAM>(list()));
+        SendMessageA(List(), LB_SETCURSEL, static_cast<WPARAM>(index), 0);
+        SendMessageA(Window(), WM_COMMAND, MAKEWPARAM(CVQCOptionPage::kIconListId, LBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(List()));
         page_test::PumpMessages();
     }
     // A click on a button of the page (the check box toggles itself first).
     void ClickButton(int id) const {
-        SendMessageA(control(id), BM_CLICK, 0, 0);
+        SendMessageA(Control(id), BM_CLICK, 0, 0);
         page_test::PumpMessages();
     }
 

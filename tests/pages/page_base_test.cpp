@@ -71,7 +71,7 @@ ComPtr<VQCFileInfo> RecordFor(const std::string& path) {
 // What the writer makes of a record: the bytes every apply must leave in the file.
 std::string WriterBytes(VQCFileInfo& record) {
     TempFile copy("expected");
-    record.Write(copy.path());
+    record.Write(copy.Path());
     return copy.Content();
 }
 
@@ -197,8 +197,8 @@ TEST(PageLifetime, PagesNeverShownAreDeletedWithTheSheet) {
         sheet.Add<ProbePage>(record.Get(), "three");
         EXPECT_EQ(ProbePage::alive, 3);
         ASSERT_NE(sheet.Show(), nullptr);
-        EXPECT_NE(PageWindow(sheet.sheet(), 0), nullptr);
-        EXPECT_EQ(PageWindow(sheet.sheet(), 1), nullptr);  // never shown, never created
+        EXPECT_NE(PageWindow(sheet.Sheet(), 0), nullptr);
+        EXPECT_EQ(PageWindow(sheet.Sheet(), 1), nullptr);  // never shown, never created
         EXPECT_EQ(record->refCount, 4u);
         sheet.Destroy();
         EXPECT_EQ(ProbePage::alive, 0);
@@ -240,11 +240,11 @@ TEST(PageBinding, FirstMessageBindsTheObjectToItsWindow) {
     DirectSheet sheet;
     auto* page = sheet.Add<CVQCConnectionPage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    const HWND window = PageWindow(sheet.sheet(), 0);
+    const HWND window = PageWindow(sheet.Sheet(), 0);
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(IsSameWindow(page->Window(), window));
     EXPECT_EQ(CVQCConnectionPage::FromWindow(window), page);
-    EXPECT_TRUE(IsSameWindow(GetParent(window), sheet.sheet()));
+    EXPECT_TRUE(IsSameWindow(GetParent(window), sheet.Sheet()));
 }
 
 TEST(PageBinding, ObjectsOwnProcedureAnswersFromTheFirstMessageOn) {
@@ -264,8 +264,8 @@ TEST(PageBinding, TwoSheetsOneAfterTheOtherBindTheirOwnObjects) {
     DirectSheet second;
     auto* secondPage = second.Add<ProbePage>(nullptr, "second");
     ASSERT_NE(second.Show(), nullptr);
-    EXPECT_EQ(ProbePage::FromWindow(PageWindow(first.sheet(), 0)), firstPage);
-    EXPECT_EQ(ProbePage::FromWindow(PageWindow(second.sheet(), 0)), secondPage);
+    EXPECT_EQ(ProbePage::FromWindow(PageWindow(first.Sheet(), 0)), firstPage);
+    EXPECT_EQ(ProbePage::FromWindow(PageWindow(second.Sheet(), 0)), secondPage);
     EXPECT_FALSE(IsSameWindow(firstPage->Window(), secondPage->Window()));
     EXPECT_EQ(firstPage->initDialogs, 1);
     EXPECT_EQ(secondPage->initDialogs, 1);
@@ -284,7 +284,7 @@ struct SecondThreadSheet {
         DirectSheet sheet;
         self->page = sheet.Add<ProbePage>(nullptr, "other thread");
         if (sheet.Show()) {
-            self->window = PageWindow(sheet.sheet(), 0);
+            self->window = PageWindow(sheet.Sheet(), 0);
             self->bound = ProbePage::FromWindow(self->window);
             self->initDialogs = self->page->initDialogs;
         }
@@ -371,7 +371,7 @@ TEST(PageBinding, WindowOutlivingItsObjectAnswersNothing) {
 
 TEST(PageNotifications, ApplyWithAnUntouchedRecordStillWritesTheFile) {
     TempFile file("untouched", "-h   server.example   -u   tester");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     ASSERT_EQ(record->modified, 0);
     const std::string expected = WriterBytes(*record.Get());
     ASSERT_NE(expected, file.Content());  // the writer's spacing differs from the file's
@@ -379,7 +379,7 @@ TEST(PageNotifications, ApplyWithAnUntouchedRecordStillWritesTheFile) {
     DirectSheet sheet;
     sheet.Add<CVQCConnectionPage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
-    EXPECT_EQ(Apply(sheet.sheet()), TRUE);
+    EXPECT_EQ(Apply(sheet.Sheet()), TRUE);
     EXPECT_EQ(file.Content(), expected);
 }
 
@@ -387,11 +387,11 @@ TEST(PageNotifications, ApplyWithoutARecordKeepsTheSheetOpenOnThePage) {
     DirectSheet sheet;
     sheet.Add<CVQCConnectionPage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    const HWND page = PageWindow(sheet.sheet(), 0);
-    EXPECT_EQ(Apply(sheet.sheet()), FALSE);
-    ClickButton(sheet.sheet(), IDOK);
-    EXPECT_FALSE(SheetClosed(sheet.sheet()));
-    EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.sheet()), page));
+    const HWND page = PageWindow(sheet.Sheet(), 0);
+    EXPECT_EQ(Apply(sheet.Sheet()), FALSE);
+    ClickButton(sheet.Sheet(), IDOK);
+    EXPECT_FALSE(SheetClosed(sheet.Sheet()));
+    EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.Sheet()), page));
 }
 
 TEST(PageNotifications, ApplyWithoutARecordAnswersInvalidNoChangePage) {
@@ -399,21 +399,21 @@ TEST(PageNotifications, ApplyWithoutARecordAnswersInvalidNoChangePage) {
     auto* page = sheet.Add<ProbePage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
     LRESULT result = 0xdeadbeef;
-    NMHDR header{sheet.sheet(), 0, static_cast<UINT>(PSN_APPLY)};
+    NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(PSN_APPLY)};
     EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
     EXPECT_EQ(result, PSNRET_INVALID_NOCHANGEPAGE);
 }
 
 TEST(PageNotifications, SuccessfulApplyAnswersNoErrorAndTellsTheSheetThePageIsUnchanged) {
     TempFile file("unchanged", "-h server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
     SheetMessages messages;
-    messages.Watch(sheet.sheet());
+    messages.Watch(sheet.Sheet());
     LRESULT result = 0xdeadbeef;
-    NMHDR header{sheet.sheet(), 0, static_cast<UINT>(PSN_APPLY)};
+    NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(PSN_APPLY)};
     EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
     EXPECT_EQ(result, PSNRET_NOERROR);
     ASSERT_EQ(messages.seen.size(), 1u);
@@ -423,18 +423,18 @@ TEST(PageNotifications, SuccessfulApplyAnswersNoErrorAndTellsTheSheetThePageIsUn
 
 TEST(PageNotifications, FailedWriteAnswersInvalidNoChangePageAndSendsNothing) {
     TempFile file("locked", "-h server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
     SheetMessages messages;
-    messages.Watch(sheet.sheet());
+    messages.Watch(sheet.Sheet());
     const UniqueKernelHandle lock(
-        CreateFileA(file.path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        CreateFileA(file.Path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     ASSERT_TRUE(lock);
     LRESULT result = 0xdeadbeef;
-    NMHDR header{sheet.sheet(), 0, static_cast<UINT>(PSN_APPLY)};
-    MessageBoxWatcher boxes(sheet.sheet());
+    NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(PSN_APPLY)};
+    MessageBoxWatcher boxes(sheet.Sheet());
     EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
     EXPECT_EQ(result, PSNRET_INVALID_NOCHANGEPAGE);
     EXPECT_EQ(record->lastError, static_cast<std::uint32_t>(ERROR_SHARING_VIOLATION));
@@ -460,21 +460,21 @@ TEST(SameWindow, AssertionNamesTheSheetInBothFormsOfItsHandleAndNoOtherWindow) {
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    EXPECT_TRUE(IsSameWindow(OtherFormOf(sheet.sheet()), sheet.sheet()));
-    EXPECT_TRUE(IsSameWindow(GetParent(page->Window()), OtherFormOf(sheet.sheet())));
-    const ::testing::AssertionResult different = IsSameWindow(page->Window(), sheet.sheet());
+    EXPECT_TRUE(IsSameWindow(OtherFormOf(sheet.Sheet()), sheet.Sheet()));
+    EXPECT_TRUE(IsSameWindow(GetParent(page->Window()), OtherFormOf(sheet.Sheet())));
+    const ::testing::AssertionResult different = IsSameWindow(page->Window(), sheet.Sheet());
     EXPECT_FALSE(different);
     EXPECT_NE(std::string(different.message()).find("name different windows"), std::string::npos);
 }
 
 TEST(PageNotifications, ApplyFromTheSheetInTheOtherFormOfItsHandleWrites) {
     TempFile file("other-form", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
     LRESULT result = 0xdeadbeef;
-    NMHDR header{OtherFormOf(sheet.sheet()), 0, static_cast<UINT>(PSN_APPLY)};
+    NMHDR header{OtherFormOf(sheet.Sheet()), 0, static_cast<UINT>(PSN_APPLY)};
     EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
     EXPECT_EQ(result, PSNRET_NOERROR);
     EXPECT_EQ(file.Content(), WriterBytes(*record.Get()));
@@ -483,7 +483,7 @@ TEST(PageNotifications, ApplyFromTheSheetInTheOtherFormOfItsHandleWrites) {
 
 TEST(PageNotifications, ApplyFromAForeignWindowIsNotHandledAndWritesNothing) {
     TempFile file("foreign", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
@@ -499,7 +499,7 @@ TEST(PageNotifications, ApplyFromAForeignWindowIsNotHandledAndWritesNothing) {
 
 TEST(PageNotifications, NotificationsFromThePageItselfAreHandled) {
     TempFile file("self", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
@@ -512,14 +512,14 @@ TEST(PageNotifications, NotificationsFromThePageItselfAreHandled) {
 
 TEST(PageNotifications, TenOtherSheetCodesAnswerZeroAndDoNothing) {
     TempFile file("ten", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
     for (int code : {PSN_SETACTIVE, PSN_KILLACTIVE, PSN_RESET, PSN_HELP, PSN_WIZBACK, PSN_WIZNEXT, PSN_WIZFINISH,
                      PSN_QUERYCANCEL, PSN_TRANSLATEACCELERATOR, PSN_QUERYINITIALFOCUS}) {
         LRESULT result = 0xdeadbeef;
-        NMHDR header{sheet.sheet(), 0, static_cast<UINT>(code)};
+        NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(code)};
         EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result))
             << code;
         EXPECT_EQ(result, 0) << code;
@@ -538,7 +538,7 @@ TEST(PageNotifications, OtherCodesAreNotHandled) {
     ASSERT_NE(sheet.Show(), nullptr);
     for (int code : {static_cast<int>(NM_CLICK), static_cast<int>(PSN_FIRST) - 10, static_cast<int>(PSN_FIRST) - 14, static_cast<int>(PSN_FIRST) - 11, 0}) {
         LRESULT result = 0xdeadbeef;
-        NMHDR header{sheet.sheet(), 0, static_cast<UINT>(code)};
+        NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(code)};
         EXPECT_FALSE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result))
             << code;
         EXPECT_EQ(result, static_cast<LRESULT>(0xdeadbeef));
@@ -559,18 +559,18 @@ TEST(PageNotifications, SetActiveFromAForeignWindowIsNotHandled) {
 
 TEST(PageGuard, ExceptionDuringApplyKeepsTheSheetOnThePage) {
     TempFile file("throwing", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.path());
+    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(record.Get());
     ASSERT_NE(sheet.Show(), nullptr);
     page->throwOn = WM_NOTIFY;
     page->throwOnCode = static_cast<UINT>(PSN_APPLY);
-    EXPECT_EQ(Apply(sheet.sheet()), FALSE);
-    NMHDR header{sheet.sheet(), 0, static_cast<UINT>(PSN_APPLY)};
+    EXPECT_EQ(Apply(sheet.Sheet()), FALSE);
+    NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(PSN_APPLY)};
     EXPECT_EQ(ProbePage::PageDialogProc(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), TRUE);
     EXPECT_EQ(GetWindowLongPtrA(page->Window(), DWLP_MSGRESULT), PSNRET_INVALID_NOCHANGEPAGE);
-    ClickButton(sheet.sheet(), IDOK);
-    EXPECT_FALSE(SheetClosed(sheet.sheet()));
+    ClickButton(sheet.Sheet(), IDOK);
+    EXPECT_FALSE(SheetClosed(sheet.Sheet()));
     EXPECT_EQ(file.Content(), "-h   server.example");
 }
 
@@ -583,7 +583,7 @@ TEST(PageGuard, ExceptionDuringAnyOtherMessageLeavesItUnhandled) {
     EXPECT_EQ(SendMessageA(page->Window(), ProbePage::kHandledMessage, 0, 0), 0);
     page->throwOn = WM_NOTIFY;
     page->throwOnCode = static_cast<UINT>(PSN_SETACTIVE);
-    NMHDR header{sheet.sheet(), 0, static_cast<UINT>(PSN_SETACTIVE)};
+    NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(PSN_SETACTIVE)};
     EXPECT_EQ(ProbePage::PageDialogProc(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), FALSE);
     page->throwOn = 0;
     EXPECT_TRUE(IsWindow(page->Window()));
@@ -618,8 +618,8 @@ TEST(PageHelpers, SendChangedTellsTheSheetWithThePagesWindowAndEnablesApply) {
     auto* page = sheet.Add<ProbePage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
     SheetMessages messages;
-    messages.Watch(sheet.sheet());
-    const HWND applyButton = GetDlgItem(sheet.sheet(), kApplyButtonId);
+    messages.Watch(sheet.Sheet());
+    const HWND applyButton = GetDlgItem(sheet.Sheet(), kApplyButtonId);
     ASSERT_NE(applyButton, nullptr);
     EXPECT_FALSE(IsWindowEnabled(applyButton));
     page->SendChanged();

@@ -71,8 +71,8 @@ TEST(PageLayout, ALargerFirstPageMakesEveryPageOfOursFollowItsMap) {
         {3, CVQCOptionPage::kTemplateIndex, CVQCOptionPage::ResizeMap(), "Options"},
     };
     for (const OurPage& page : pages) {
-        ShowPage(sheet.sheet(), page.index);
-        const HWND window = PageWindow(sheet.sheet(), page.index);
+        ShowPage(sheet.Sheet(), page.index);
+        const HWND window = PageWindow(sheet.Sheet(), page.index);
         ASSERT_NE(window, nullptr) << page.name;
         // Larger than the template, or the test would prove nothing.
         RECT client{};

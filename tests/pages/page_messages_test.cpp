@@ -29,9 +29,9 @@ class OnePageSheet {
 public:
     OnePageSheet() {
         sheet_.Add<Page>(nullptr);
-        if (sheet_.Show()) page_ = PageWindow(sheet_.sheet(), 0);
+        if (sheet_.Show()) page_ = page_test::PageWindow(sheet_.Sheet(), 0);
     }
-    HWND page() const { return page_; }
+    HWND PageWindow() const { return page_; }
 
 private:
     DirectSheet sheet_;
@@ -44,27 +44,27 @@ WPARAM CommandFrom(int id, int code) { return MAKEWPARAM(id, code); }
 
 TEST(PageMessages, ConnectionPageAnswersInitDialogTrue) {
     OnePageSheet<CVQCConnectionPage> sheet;
-    ASSERT_NE(sheet.page(), nullptr);
-    EXPECT_EQ(CallPageProcedure(sheet.page(), WM_INITDIALOG), TRUE);
+    ASSERT_NE(sheet.PageWindow(), nullptr);
+    EXPECT_EQ(CallPageProcedure(sheet.PageWindow(), WM_INITDIALOG), TRUE);
 }
 
 TEST(PageMessages, ProxyPageAnswersInitDialogTrue) {
     OnePageSheet<CVQCProxyPage> sheet;
-    ASSERT_NE(sheet.page(), nullptr);
-    EXPECT_EQ(CallPageProcedure(sheet.page(), WM_INITDIALOG), TRUE);
+    ASSERT_NE(sheet.PageWindow(), nullptr);
+    EXPECT_EQ(CallPageProcedure(sheet.PageWindow(), WM_INITDIALOG), TRUE);
 }
 
 TEST(PageMessages, OptionsPageAnswersInitDialogZero) {
     OnePageSheet<CVQCOptionPage> sheet;
-    ASSERT_NE(sheet.page(), nullptr);
-    EXPECT_EQ(CallPageProcedure(sheet.page(), WM_INITDIALOG), 0);
+    ASSERT_NE(sheet.PageWindow(), nullptr);
+    EXPECT_EQ(CallPageProcedure(sheet.PageWindow(), WM_INITDIALOG), 0);
 }
 
 TEST(PageMessages, CommandFromAForeignControlIsLeftToTheDialogOnEveryPage) {
     OnePageSheet<CVQCConnectionPage> connection;
     OnePageSheet<CVQCProxyPage> proxy;
     OnePageSheet<CVQCOptionPage> options;
-    for (HWND page : {connection.page(), proxy.page(), options.page()}) {
+    for (HWND page : {connection.PageWindow(), proxy.PageWindow(), options.PageWindow()}) {
         ASSERT_NE(page, nullptr);
         EXPECT_EQ(CallPageProcedure(page, WM_COMMAND, CommandFrom(kNoControlOfAnyPage, BN_CLICKED)), FALSE);
     }
@@ -74,10 +74,10 @@ TEST(PageMessages, OnlyTheOptionsPageHandlesDestroy) {
     OnePageSheet<CVQCConnectionPage> connection;
     OnePageSheet<CVQCProxyPage> proxy;
     OnePageSheet<CVQCOptionPage> options;
-    ASSERT_NE(connection.page(), nullptr);
-    ASSERT_NE(proxy.page(), nullptr);
-    ASSERT_NE(options.page(), nullptr);
-    EXPECT_EQ(CallPageProcedure(connection.page(), WM_DESTROY), FALSE);
-    EXPECT_EQ(CallPageProcedure(proxy.page(), WM_DESTROY), FALSE);
-    EXPECT_EQ(CallPageProcedure(options.page(), WM_DESTROY), TRUE);
+    ASSERT_NE(connection.PageWindow(), nullptr);
+    ASSERT_NE(proxy.PageWindow(), nullptr);
+    ASSERT_NE(options.PageWindow(), nullptr);
+    EXPECT_EQ(CallPageProcedure(connection.PageWindow(), WM_DESTROY), FALSE);
+    EXPECT_EQ(CallPageProcedure(proxy.PageWindow(), WM_DESTROY), FALSE);
+    EXPECT_EQ(CallPageProcedure(options.PageWindow(), WM_DESTROY), TRUE);
 }

@@ -6,12 +6,6 @@
 
 namespace page_test {
 
-std::string BuiltDllPath() { return VQC_DLL_PATH; }
-
-std::string ClientFixturePath(const std::string& fixture) {
-    return std::string(VQC_FIXTURE_DIR) + "/" + fixture + ".dll";
-}
-
 // --- ExtensionCopy ---------------------------------------------------------------------
 
 ExtensionCopy::ExtensionCopy(const std::string& tag, const std::string& clientFixture, bool withVServer,

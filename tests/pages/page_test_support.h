@@ -29,6 +29,7 @@
 #include "tests/support/file_bytes.h"
 #include "tests/pages/sheet_input.h"
 #include "tests/registration/registry_test_support.h"
+#include "tests/support/build_paths.h"
 #include "tests/support/modeless_sheet.h"
 #include "tests/support/shell_selection.h"
 #include "tests/support/temp_folder.h"
@@ -57,10 +58,8 @@ public:
     ComApartment& operator=(const ComApartment&) = delete;
 };
 
-// Paths from the build, in the form Wine maps onto the host's file system.
-std::string BuiltDllPath();
-// A stand-in client DLL of the test build, e.g. "client_6_19_5" (product version 6.19.5).
-std::string ClientFixturePath(const std::string& fixture);
+using test_support::BuiltDllPath;
+using test_support::ClientFixturePath;
 
 // A folder of the test's own with a loaded copy of the DLL.
 class ExtensionCopy {
@@ -73,8 +72,8 @@ public:
     ExtensionCopy(const ExtensionCopy&) = delete;
     ExtensionCopy& operator=(const ExtensionCopy&) = delete;
 
-    HMODULE module() const { return module_; }
-    const std::string& dllPath() const { return dllPath_; }
+    HMODULE Module() const { return module_; }
+    const std::string& DllPath() const { return dllPath_; }
     // A path in the folder (for connection files).
     std::string File(const std::string& name) const { return folder_.File(name); }
 
@@ -112,12 +111,12 @@ public:
 
     // The shell lets go of the extension object after AddPages.
     void ReleaseObject() { object_.Reset(); }
-    IShellPropSheetExt* object() const { return object_.Get(); }
+    IShellPropSheetExt* Object() const { return object_.Get(); }
 
-    int offered() const { return static_cast<int>(offers_.size()); }
-    const std::vector<HPROPSHEETPAGE>& accepted() const { return accepted_; }
-    HWND sheet() const { return sheet_; }
-    const std::string& file() const { return file_; }
+    int Offered() const { return static_cast<int>(offers_.size()); }
+    const std::vector<HPROPSHEETPAGE>& Accepted() const { return accepted_; }
+    HWND Sheet() const { return sheet_; }
+    const std::string& File() const { return file_; }
 
     // DestroyWindow of the sheet, then the queued messages.
     void Destroy();
@@ -163,7 +162,7 @@ public:
     void AddHandle(HPROPSHEETPAGE page) { pages_.push_back(page); }
 
     HWND Show();
-    HWND sheet() const { return sheet_; }
+    HWND Sheet() const { return sheet_; }
     void Destroy();
 
 private:
@@ -255,9 +254,9 @@ public:
     WriteWatch& operator=(const WriteWatch&) = delete;
 
     void Watch(HWND page);
-    int applies() const { return applies_; }
+    int Applies() const { return applies_; }
     // The file's bytes after each PSN_APPLY that wrote the file, in order.
-    const std::vector<std::string>& writes() const { return writes_; }
+    const std::vector<std::string>& Writes() const { return writes_; }
 
     static constexpr char kMarker[] = "<not written>";
 

@@ -25,14 +25,14 @@ protected:
         ASSERT_EQ(record_->Read(file_.c_str()), 0);
         ASSERT_NE(sheet_.Add<CVQCProxyPage>(record_.Get(), "Proxy"), nullptr);
         ASSERT_NE(sheet_.Show(), nullptr);
-        window_ = PageWindow(sheet_.sheet(), 0);
+        window_ = PageWindow(sheet_.Sheet(), 0);
         ASSERT_NE(window_, nullptr);
     }
     void TearDown() override { sheet_.Destroy(); }
 
     std::string ApplyAndRead() {
         WriteFileBytes(file_, "<not written>");
-        EXPECT_TRUE(Apply(sheet_.sheet()));
+        EXPECT_TRUE(Apply(sheet_.Sheet()));
         return ReadFileBytes(file_);
     }
 

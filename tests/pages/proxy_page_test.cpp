@@ -36,22 +36,22 @@ public:
         record_->clientVersion = clientVersion;
         readResult_ = record_->Read(file_.c_str());
         page_ = sheet_.Add<CVQCProxyPage>(record_.Get(), "Proxy");
-        if (page_ && sheet_.Show()) window_ = PageWindow(sheet_.sheet(), 0);
+        if (page_ && sheet_.Show()) window_ = PageWindow(sheet_.Sheet(), 0);
     }
     ~ProxyPageOnFile() { sheet_.Destroy(); }
     ProxyPageOnFile(const ProxyPageOnFile&) = delete;
     ProxyPageOnFile& operator=(const ProxyPageOnFile&) = delete;
 
     bool Ready() const { return readResult_ == 0 && window_ != nullptr; }
-    HWND window() const { return window_; }
-    HWND sheet() const { return sheet_.sheet(); }
-    VQCFileInfo& record() const { return *record_.Get(); }
-    CVQCProxyPage* page() const { return page_; }
+    HWND Window() const { return window_; }
+    HWND Sheet() const { return sheet_.Sheet(); }
+    VQCFileInfo& Record() const { return *record_.Get(); }
+    CVQCProxyPage* Page() const { return page_; }
 
     // Apply as the sheet's Apply button does; the file's bytes afterwards.
     std::string ApplyAndRead() {
         WriteFileBytes(file_, "<not written>");
-        EXPECT_TRUE(Apply(sheet_.sheet()));
+        EXPECT_TRUE(Apply(sheet_.Sheet()));
         return ReadFileBytes(file_);
     }
 
@@ -70,15 +70,15 @@ class ProxyPageWithoutRecord {
 public:
     ProxyPageWithoutRecord() {
         page_ = sheet_.Add<CVQCProxyPage>(nullptr, "Proxy");
-        if (page_ && sheet_.Show()) window_ = PageWindow(sheet_.sheet(), 0);
+        if (page_ && sheet_.Show()) window_ = PageWindow(sheet_.Sheet(), 0);
     }
     ~ProxyPageWithoutRecord() { sheet_.Destroy(); }
     ProxyPageWithoutRecord(const ProxyPageWithoutRecord&) = delete;
     ProxyPageWithoutRecord& operator=(const ProxyPageWithoutRecord&) = delete;
 
-    HWND window() const { return window_; }
-    HWND sheet() const { return sheet_.sheet(); }
-    CVQCProxyPage* page() const { return page_; }
+    HWND Window() const { return window_; }
+    HWND Sheet() const { return sheet_.Sheet(); }
+    CVQCProxyPage* Page() const { return page_; }
 
     // Whether the page's message chain handles a control's notification; a handled one
     // answers 0.
@@ -110,38 +110,38 @@ std::vector<std::string> Entries(std::initializer_list<const char*> texts) {
 TEST(ProxyPageRouteList, Client620OffersTheBroker) {
     ProxyPageOnFile open("routes-620", "-h server", 620);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
 }
 
 TEST(ProxyPageRouteList, Client664OffersTheBroker) {
     ProxyPageOnFile open("routes-664", "-h server", 664);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
 }
 
 TEST(ProxyPageRouteList, Client665OffersTheBroker) {
     ProxyPageOnFile open("routes-665", "-h server", 665);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
 }
 
 TEST(ProxyPageRouteList, Client689OffersTheBroker) {
     ProxyPageOnFile open("routes-689", "-h server", 689);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy, kViaBroker}));
 }
 
 TEST(ProxyPageRouteList, Client690HasNoBroker) {
     ProxyPageOnFile open("routes-690", "-h server", 690);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy}));
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy}));
 }
 
 TEST(ProxyPageRouteList, Client619MadeDirectlyHasNoBroker) {
     // The sheet offers no Proxy page to this client; the page made directly still works.
     ProxyPageOnFile open("routes-619", "-h server", 619);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy}));
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy}));
 }
 
 // --- What the page opens with ----------------------------------------------------------
@@ -149,72 +149,72 @@ TEST(ProxyPageRouteList, Client619MadeDirectlyHasNoBroker) {
 TEST(ProxyPageOpening, NoRouteOpensDirectWithBothGroupsHidden) {
     ProxyPageOnFile open("open-direct", "-h server", 665);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListSelection(open.window(), 1002), 0);
-    EXPECT_TRUE(IsShown(open.window(), 1002));
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), std::vector<int>{});
+    EXPECT_EQ(ListSelection(open.Window(), 1002), 0);
+    EXPECT_TRUE(IsShown(open.Window(), 1002));
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), std::vector<int>{});
 }
 
 TEST(ProxyPageOpening, ProxyWithPortShowsHostPortAndUser) {
     ProxyPageOnFile open("open-proxy", "-c admin@proxy.example:3128", 665);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListSelection(open.window(), 1002), 1);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kProxyGroup);
-    EXPECT_EQ(ControlTextOf(open.window(), 1026), "proxy.example");
-    EXPECT_EQ(ControlTextOf(open.window(), 1028), "3128");
-    EXPECT_EQ(ControlTextOf(open.window(), 1030), "admin");
+    EXPECT_EQ(ListSelection(open.Window(), 1002), 1);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kProxyGroup);
+    EXPECT_EQ(ControlTextOf(open.Window(), 1026), "proxy.example");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1028), "3128");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1030), "admin");
 }
 
 TEST(ProxyPageOpening, BrokerWithPortShowsHostPortAndBox) {
     ProxyPageOnFile open("open-broker", "-f xFoo:3000", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(open.record().brokerUpperF, 1);
-    EXPECT_EQ(ListSelection(open.window(), 1002), 2);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kBrokerGroup);
-    EXPECT_EQ(ControlTextOf(open.window(), 1032), "xFoo");
-    EXPECT_EQ(ControlTextOf(open.window(), 1034), "3000");
-    EXPECT_TRUE(IsChecked(open.window(), 1035));
+    ASSERT_EQ(open.Record().brokerUpperF, 1);
+    EXPECT_EQ(ListSelection(open.Window(), 1002), 2);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kBrokerGroup);
+    EXPECT_EQ(ControlTextOf(open.Window(), 1032), "xFoo");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1034), "3000");
+    EXPECT_TRUE(IsChecked(open.Window(), 1035));
 }
 
 TEST(ProxyPageOpening, BrokerWithPortAndClearFlagLeavesBoxUnchecked) {
     // -F itself does not set the flag: the reader looks at the address text.
     ProxyPageOnFile open("open-broker-F", "-F broker:3128", 665);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ControlTextOf(open.window(), 1034), "3128");
-    EXPECT_FALSE(IsChecked(open.window(), 1035));
+    EXPECT_EQ(ControlTextOf(open.Window(), 1034), "3128");
+    EXPECT_FALSE(IsChecked(open.Window(), 1035));
 }
 
 TEST(ProxyPageOpening, BothHostsSelectTheProxyEntry) {
     ProxyPageOnFile open("open-both", "-c proxy -f broker", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(open.record().route, 2);  // the later option wins on reading
-    EXPECT_EQ(ListSelection(open.window(), 1002), 1);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kProxyGroup);
-    EXPECT_EQ(ControlTextOf(open.window(), 1026), "proxy");
-    EXPECT_EQ(ControlTextOf(open.window(), 1032), "broker");
+    ASSERT_EQ(open.Record().route, 2);  // the later option wins on reading
+    EXPECT_EQ(ListSelection(open.Window(), 1002), 1);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kProxyGroup);
+    EXPECT_EQ(ControlTextOf(open.Window(), 1026), "proxy");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1032), "broker");
 }
 
 TEST(ProxyPageOpening, SelectionFollowsTheHostsNotTheRoute) {
     // -c with no argument sets the proxy route but names no host.
     ProxyPageOnFile open("open-route-only", "-h server -c", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(open.record().route, 1);
-    EXPECT_EQ(ListSelection(open.window(), 1002), 0);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), std::vector<int>{});
+    ASSERT_EQ(open.Record().route, 1);
+    EXPECT_EQ(ListSelection(open.Window(), 1002), 0);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), std::vector<int>{});
 }
 
 TEST(ProxyPageOpening, BrokerAt690OpensWithNoSelectionAndTheBrokerControls) {
     ProxyPageOnFile open("open-broker-690", "-f broker", 690);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListSelection(open.window(), 1002), CB_ERR);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kBrokerGroup);
-    EXPECT_EQ(ControlTextOf(open.window(), 1032), "broker");
+    EXPECT_EQ(ListSelection(open.Window(), 1002), CB_ERR);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kBrokerGroup);
+    EXPECT_EQ(ControlTextOf(open.Window(), 1032), "broker");
 }
 
 TEST(ProxyPageOpening, BrokerAt619OpensWithNoSelectionAndTheBrokerControls) {
     ProxyPageOnFile open("open-broker-619", "-f broker", 619);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ListSelection(open.window(), 1002), CB_ERR);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kBrokerGroup);
+    EXPECT_EQ(ListSelection(open.Window(), 1002), CB_ERR);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kBrokerGroup);
 }
 
 TEST(ProxyPageOpening, OpeningChangesNothing) {
@@ -222,10 +222,10 @@ TEST(ProxyPageOpening, OpeningChangesNothing) {
     // stays clear and Apply stays disabled.
     ProxyPageOnFile open("open-untouched", "-c \" proxy \":3128", 665);
     ASSERT_TRUE(open.Ready());
-    EXPECT_EQ(ControlTextOf(open.window(), 1026), " proxy ");
-    EXPECT_EQ(open.record().proxyHost, " proxy ");
-    EXPECT_EQ(open.record().modified, 0);
-    EXPECT_FALSE(ApplyEnabled(open.sheet()));
+    EXPECT_EQ(ControlTextOf(open.Window(), 1026), " proxy ");
+    EXPECT_EQ(open.Record().proxyHost, " proxy ");
+    EXPECT_EQ(open.Record().modified, 0);
+    EXPECT_FALSE(ApplyEnabled(open.Sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-c \" proxy :3128\" ");
 }
 
@@ -234,57 +234,57 @@ TEST(ProxyPageOpening, OpeningChangesNothing) {
 TEST(ProxyPageCoupling, DefaultProxyPortOpensWithPortAndUserEmpty) {
     ProxyPageOnFile open("couple-user", "-c admin@proxy", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(open.record().proxyUser, "admin");
-    EXPECT_EQ(ControlTextOf(open.window(), 1026), "proxy");
-    EXPECT_EQ(ControlTextOf(open.window(), 1028), "");
-    EXPECT_EQ(ControlTextOf(open.window(), 1030), "");
+    ASSERT_EQ(open.Record().proxyUser, "admin");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1026), "proxy");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1028), "");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1030), "");
 }
 
 TEST(ProxyPageCoupling, UserHiddenByDefaultPortIsStillWrittenAfterAnotherEdit) {
     ProxyPageOnFile open("couple-user-apply", "-h server -c admin@proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1026, "proxy2");
-    EXPECT_EQ(open.record().proxyUser, "admin");
+    TypeText(open.Window(), 1026, "proxy2");
+    EXPECT_EQ(open.Record().proxyUser, "admin");
     EXPECT_EQ(open.ApplyAndRead(), "-h server -c admin@proxy2 ");
 }
 
 TEST(ProxyPageCoupling, UserHiddenByDefaultPortSurvivesAnEditOfTheBroker) {
     ProxyPageOnFile open("couple-user-broker", "-c admin@proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1032, "broker");
+    TypeText(open.Window(), 1032, "broker");
     EXPECT_EQ(open.ApplyAndRead(), "-c admin@proxy ");
 }
 
 TEST(ProxyPageCoupling, TypingIntoTheEmptyUserEditReplacesTheUser) {
     ProxyPageOnFile open("couple-user-typed", "-c admin@proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1030, "bob");
+    TypeText(open.Window(), 1030, "bob");
     EXPECT_EQ(open.ApplyAndRead(), "-c bob@proxy ");
 }
 
 TEST(ProxyPageCoupling, DefaultBrokerPortOpensWithPortEmptyAndBoxUnchecked) {
     ProxyPageOnFile open("couple-box", "-f xFoo", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(open.record().brokerUpperF, 1);
-    EXPECT_EQ(ControlTextOf(open.window(), 1032), "xFoo");
-    EXPECT_EQ(ControlTextOf(open.window(), 1034), "");
-    EXPECT_FALSE(IsChecked(open.window(), 1035));
+    ASSERT_EQ(open.Record().brokerUpperF, 1);
+    EXPECT_EQ(ControlTextOf(open.Window(), 1032), "xFoo");
+    EXPECT_EQ(ControlTextOf(open.Window(), 1034), "");
+    EXPECT_FALSE(IsChecked(open.Window(), 1035));
 }
 
 TEST(ProxyPageCoupling, FlagHiddenByDefaultBrokerPortIsStillWrittenAfterAnotherEdit) {
     ProxyPageOnFile open("couple-box-apply", "-h server -f xFoo", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1026, "proxy");
-    EXPECT_EQ(open.record().brokerUpperF, 1);
+    TypeText(open.Window(), 1026, "proxy");
+    EXPECT_EQ(open.Record().brokerUpperF, 1);
     EXPECT_EQ(open.ApplyAndRead(), "-h server -F xFoo ");
 }
 
 TEST(ProxyPageCoupling, ClickingTheUncheckedBoxChecksItAndKeepsTheFlag) {
     ProxyPageOnFile open("couple-box-click", "-f xFoo", 665);
     ASSERT_TRUE(open.Ready());
-    ClickControl(open.window(), 1035);
-    EXPECT_TRUE(IsChecked(open.window(), 1035));
-    EXPECT_EQ(open.record().brokerUpperF, 1);
+    ClickControl(open.Window(), 1035);
+    EXPECT_TRUE(IsChecked(open.Window(), 1035));
+    EXPECT_EQ(open.Record().brokerUpperF, 1);
     EXPECT_EQ(open.ApplyAndRead(), "-F xFoo ");
 }
 
@@ -293,74 +293,74 @@ TEST(ProxyPageCoupling, ClickingTheUncheckedBoxChecksItAndKeepsTheFlag) {
 TEST(ProxyPageRoute, EachRouteShowsItsGroup) {
     ProxyPageOnFile open("route-groups", "-h server", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(ChooseListEntry(open.window(), 1002, kViaProxy), 1);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kProxyGroup);
-    ASSERT_EQ(ChooseListEntry(open.window(), 1002, kViaBroker), 2);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), kBrokerGroup);
-    ASSERT_EQ(ChooseListEntry(open.window(), 1002, kDirect), 0);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), std::vector<int>{});
-    EXPECT_TRUE(IsShown(open.window(), 1002));
+    ASSERT_EQ(ChooseListEntry(open.Window(), 1002, kViaProxy), 1);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kProxyGroup);
+    ASSERT_EQ(ChooseListEntry(open.Window(), 1002, kViaBroker), 2);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), kBrokerGroup);
+    ASSERT_EQ(ChooseListEntry(open.Window(), 1002, kDirect), 0);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), std::vector<int>{});
+    EXPECT_TRUE(IsShown(open.Window(), 1002));
 }
 
 TEST(ProxyPageRoute, ChangingOnlyTheRouteEnablesApplyAndLeavesModified) {
     ProxyPageOnFile open("route-modified", "-c proxy -f broker", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_FALSE(ApplyEnabled(open.sheet()));
-    ASSERT_EQ(open.record().modified, 0);
-    ChooseListEntry(open.window(), 1002, kViaBroker);
-    EXPECT_TRUE(ApplyEnabled(open.sheet()));
-    EXPECT_EQ(open.record().modified, 0);
-    EXPECT_EQ(open.record().route, 2);
+    ASSERT_FALSE(ApplyEnabled(open.Sheet()));
+    ASSERT_EQ(open.Record().modified, 0);
+    ChooseListEntry(open.Window(), 1002, kViaBroker);
+    EXPECT_TRUE(ApplyEnabled(open.Sheet()));
+    EXPECT_EQ(open.Record().modified, 0);
+    EXPECT_EQ(open.Record().route, 2);
 }
 
 TEST(ProxyPageRoute, RouteChangeLeavesASetModifiedSet) {
     ProxyPageOnFile open("route-modified-set", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1032, "broker");
-    ASSERT_EQ(open.record().modified, 1);
-    ChooseListEntry(open.window(), 1002, kViaBroker);
-    EXPECT_EQ(open.record().modified, 1);
+    TypeText(open.Window(), 1032, "broker");
+    ASSERT_EQ(open.Record().modified, 1);
+    ChooseListEntry(open.Window(), 1002, kViaBroker);
+    EXPECT_EQ(open.Record().modified, 1);
 }
 
 TEST(ProxyPageRoute, ChoosingTheBrokerWritesTheBrokerOption) {
     ProxyPageOnFile open("route-broker", "-c proxy:3128 -f broker:3000", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(open.record().route, 2);
-    ChooseListEntry(open.window(), 1002, kViaProxy);
+    ASSERT_EQ(open.Record().route, 2);
+    ChooseListEntry(open.Window(), 1002, kViaProxy);
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy:3128 ");
-    ChooseListEntry(open.window(), 1002, kViaBroker);
+    ChooseListEntry(open.Window(), 1002, kViaBroker);
     EXPECT_EQ(open.ApplyAndRead(), "-f broker:3000 ");
 }
 
 TEST(ProxyPageRoute, ChoosingDirectWritesNoRoute) {
     ProxyPageOnFile open("route-direct", "-h server -c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    ChooseListEntry(open.window(), 1002, kDirect);
-    EXPECT_EQ(open.record().route, 0);
+    ChooseListEntry(open.Window(), 1002, kDirect);
+    EXPECT_EQ(open.Record().route, 0);
     EXPECT_EQ(open.ApplyAndRead(), "-h server ");
 }
 
 TEST(ProxyPageRoute, ProxyChosenWithoutHostWritesNoRoute) {
     ProxyPageOnFile open("route-no-host", "-h server", 665);
     ASSERT_TRUE(open.Ready());
-    ChooseListEntry(open.window(), 1002, kViaProxy);
-    EXPECT_EQ(open.record().route, 1);
+    ChooseListEntry(open.Window(), 1002, kViaProxy);
+    EXPECT_EQ(open.Record().route, 1);
     EXPECT_EQ(open.ApplyAndRead(), "-h server ");
 }
 
 TEST(ProxyPageRoute, Client619WritesNoRouteWhateverIsChosen) {
     ProxyPageOnFile open("route-619", "-h server -c proxy:3128", 619);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1026, "proxy2");
-    EXPECT_EQ(open.record().proxyHost, "proxy2");
+    TypeText(open.Window(), 1026, "proxy2");
+    EXPECT_EQ(open.Record().proxyHost, "proxy2");
     EXPECT_EQ(open.ApplyAndRead(), "-h server ");
 }
 
 TEST(ProxyPageRoute, Client690WritesTheProxyRoute) {
     ProxyPageOnFile open("route-690", "-h server", 690);
     ASSERT_TRUE(open.Ready());
-    ChooseListEntry(open.window(), 1002, kViaProxy);
-    TypeText(open.window(), 1026, "proxy");
+    ChooseListEntry(open.Window(), 1002, kViaProxy);
+    TypeText(open.Window(), 1026, "proxy");
     EXPECT_EQ(open.ApplyAndRead(), "-h server -c proxy ");
 }
 
@@ -369,112 +369,112 @@ TEST(ProxyPageRoute, Client690WritesTheProxyRoute) {
 TEST(ProxyPageEdits, ProxyHostIsTrimmedAndMarksModified) {
     ProxyPageOnFile open("edit-proxy-host", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1026, "  proxy.example\t ");
-    EXPECT_EQ(open.record().proxyHost, "proxy.example");
-    EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyEnabled(open.sheet()));
+    TypeText(open.Window(), 1026, "  proxy.example\t ");
+    EXPECT_EQ(open.Record().proxyHost, "proxy.example");
+    EXPECT_EQ(open.Record().modified, 1);
+    EXPECT_TRUE(ApplyEnabled(open.Sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy.example ");
 }
 
 TEST(ProxyPageEdits, ProxyUserIsTrimmed) {
     ProxyPageOnFile open("edit-proxy-user", "-c proxy:3128", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1030, " bob ");
-    EXPECT_EQ(open.record().proxyUser, "bob");
-    EXPECT_EQ(open.record().modified, 1);
+    TypeText(open.Window(), 1030, " bob ");
+    EXPECT_EQ(open.Record().proxyUser, "bob");
+    EXPECT_EQ(open.Record().modified, 1);
     EXPECT_EQ(open.ApplyAndRead(), "-c bob@proxy:3128 ");
 }
 
 TEST(ProxyPageEdits, EmptiedUserIsLeftOut) {
     ProxyPageOnFile open("edit-user-empty", "-c admin@proxy:3128", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1030, "");
-    EXPECT_EQ(open.record().proxyUser, "");
+    TypeText(open.Window(), 1030, "");
+    EXPECT_EQ(open.Record().proxyUser, "");
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy:3128 ");
 }
 
 TEST(ProxyPageEdits, BrokerHostIsTrimmed) {
     ProxyPageOnFile open("edit-broker-host", "-f broker", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1032, " broker.example  ");
-    EXPECT_EQ(open.record().brokerHost, "broker.example");
-    EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyEnabled(open.sheet()));
+    TypeText(open.Window(), 1032, " broker.example  ");
+    EXPECT_EQ(open.Record().brokerHost, "broker.example");
+    EXPECT_EQ(open.Record().modified, 1);
+    EXPECT_TRUE(ApplyEnabled(open.Sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-f broker.example ");
 }
 
 TEST(ProxyPageEdits, HostWithABlankIsWrittenInQuotes) {
     ProxyPageOnFile open("edit-host-blank", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1026, "my proxy");
+    TypeText(open.Window(), 1026, "my proxy");
     EXPECT_EQ(open.ApplyAndRead(), "-c \"my proxy\" ");
 }
 
 TEST(ProxyPageEdits, ProxyPortIsReadAsADecimal) {
     ProxyPageOnFile open("edit-proxy-port", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1028, "9000");
-    EXPECT_EQ(open.record().proxyPort, 9000);
-    EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyEnabled(open.sheet()));
+    TypeText(open.Window(), 1028, "9000");
+    EXPECT_EQ(open.Record().proxyPort, 9000);
+    EXPECT_EQ(open.Record().modified, 1);
+    EXPECT_TRUE(ApplyEnabled(open.Sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy:9000 ");
 }
 
 TEST(ProxyPageEdits, ProxyPortTakesLeadingDigitsOnly) {
     ProxyPageOnFile open("edit-proxy-port-atoi", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1028, "0081x");
-    EXPECT_EQ(open.record().proxyPort, 81);
+    TypeText(open.Window(), 1028, "0081x");
+    EXPECT_EQ(open.Record().proxyPort, 81);
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy:81 ");
 }
 
 TEST(ProxyPageEdits, ClearedProxyPortStores8080) {
     ProxyPageOnFile open("edit-proxy-port-clear", "-c admin@proxy:3128", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(ControlTextOf(open.window(), 1028), "3128");
-    TypeText(open.window(), 1028, "");
-    EXPECT_EQ(open.record().proxyPort, 8080);
-    EXPECT_EQ(open.record().modified, 1);
+    ASSERT_EQ(ControlTextOf(open.Window(), 1028), "3128");
+    TypeText(open.Window(), 1028, "");
+    EXPECT_EQ(open.Record().proxyPort, 8080);
+    EXPECT_EQ(open.Record().modified, 1);
     EXPECT_EQ(open.ApplyAndRead(), "-c admin@proxy ");
 }
 
 TEST(ProxyPageEdits, TypedDefaultProxyPortIsLeftOut) {
     ProxyPageOnFile open("edit-proxy-port-8080", "-c proxy:3128", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1028, "8080");
+    TypeText(open.Window(), 1028, "8080");
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy ");
 }
 
 TEST(ProxyPageEdits, BrokerPortIsReadAsADecimal) {
     ProxyPageOnFile open("edit-broker-port", "-f broker", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1034, "3000");
-    EXPECT_EQ(open.record().brokerPort, 3000);
-    EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyEnabled(open.sheet()));
+    TypeText(open.Window(), 1034, "3000");
+    EXPECT_EQ(open.Record().brokerPort, 3000);
+    EXPECT_EQ(open.Record().modified, 1);
+    EXPECT_TRUE(ApplyEnabled(open.Sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-f broker:3000 ");
 }
 
 TEST(ProxyPageEdits, ClearedBrokerPortStores14600) {
     ProxyPageOnFile open("edit-broker-port-clear", "-f broker:3000", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_EQ(ControlTextOf(open.window(), 1034), "3000");
-    TypeText(open.window(), 1034, "");
-    EXPECT_EQ(open.record().brokerPort, 14600);
+    ASSERT_EQ(ControlTextOf(open.Window(), 1034), "3000");
+    TypeText(open.Window(), 1034, "");
+    EXPECT_EQ(open.Record().brokerPort, 14600);
     EXPECT_EQ(open.ApplyAndRead(), "-f broker ");
 }
 
 TEST(ProxyPageEdits, DialUpBoxSetsAndClearsTheUpperF) {
     ProxyPageOnFile open("edit-dial-up", "-f broker:3000", 665);
     ASSERT_TRUE(open.Ready());
-    ASSERT_FALSE(IsChecked(open.window(), 1035));
-    ClickControl(open.window(), 1035);
-    EXPECT_EQ(open.record().brokerUpperF, 1);
-    EXPECT_EQ(open.record().modified, 1);
-    EXPECT_TRUE(ApplyEnabled(open.sheet()));
+    ASSERT_FALSE(IsChecked(open.Window(), 1035));
+    ClickControl(open.Window(), 1035);
+    EXPECT_EQ(open.Record().brokerUpperF, 1);
+    EXPECT_EQ(open.Record().modified, 1);
+    EXPECT_TRUE(ApplyEnabled(open.Sheet()));
     EXPECT_EQ(open.ApplyAndRead(), "-F broker:3000 ");
-    ClickControl(open.window(), 1035);
-    EXPECT_EQ(open.record().brokerUpperF, 0);
+    ClickControl(open.Window(), 1035);
+    EXPECT_EQ(open.Record().brokerUpperF, 0);
     EXPECT_EQ(open.ApplyAndRead(), "-f broker:3000 ");
 }
 
@@ -483,12 +483,12 @@ TEST(ProxyPageEdits, EditsOfTheHiddenGroupStillReachTheRecord) {
     // what is written.
     ProxyPageOnFile open("edit-hidden", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
-    TypeText(open.window(), 1032, "broker");
-    TypeText(open.window(), 1034, "3000");
-    EXPECT_EQ(open.record().brokerHost, "broker");
-    EXPECT_EQ(open.record().brokerPort, 3000);
+    TypeText(open.Window(), 1032, "broker");
+    TypeText(open.Window(), 1034, "3000");
+    EXPECT_EQ(open.Record().brokerHost, "broker");
+    EXPECT_EQ(open.Record().brokerPort, 3000);
     EXPECT_EQ(open.ApplyAndRead(), "-c proxy ");
-    ChooseListEntry(open.window(), 1002, kViaBroker);
+    ChooseListEntry(open.Window(), 1002, kViaBroker);
     EXPECT_EQ(open.ApplyAndRead(), "-f broker:3000 ");
 }
 
@@ -499,35 +499,35 @@ TEST(ProxyPageEdits, OtherNotificationsOfTheControlsAreNotHandled) {
     for (const auto& [id, code] : std::vector<std::pair<int, int>>{
              {1026, EN_SETFOCUS}, {1028, EN_KILLFOCUS}, {1002, CBN_DROPDOWN}, {1035, BN_SETFOCUS},
              {1025, STN_CLICKED}, {1018, EN_CHANGE}}) {
-        EXPECT_FALSE(open.page()->ProcessWindowMessage(open.window(), WM_COMMAND, MAKEWPARAM(id, code),
-                                                        reinterpret_cast<LPARAM>(GetDlgItem(open.window(), id)),
+        EXPECT_FALSE(open.Page()->ProcessWindowMessage(open.Window(), WM_COMMAND, MAKEWPARAM(id, code),
+                                                        reinterpret_cast<LPARAM>(GetDlgItem(open.Window(), id)),
                                                         result))
             << id << " " << code;
     }
-    EXPECT_EQ(open.record().modified, 0);
-    EXPECT_FALSE(ApplyEnabled(open.sheet()));
+    EXPECT_EQ(open.Record().modified, 0);
+    EXPECT_FALSE(ApplyEnabled(open.Sheet()));
 }
 
 // --- Without a record -----------------------------------------------------------------
 
 TEST(ProxyPageWithoutRecord, ListHasDirectAndProxyWithDirectSelected) {
     ProxyPageWithoutRecord open;
-    ASSERT_NE(open.window(), nullptr);
-    EXPECT_EQ(ListEntries(open.window(), 1002), Entries({kDirect, kViaProxy}));
-    EXPECT_EQ(ListSelection(open.window(), 1002), 0);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), std::vector<int>{});
+    ASSERT_NE(open.Window(), nullptr);
+    EXPECT_EQ(ListEntries(open.Window(), 1002), Entries({kDirect, kViaProxy}));
+    EXPECT_EQ(ListSelection(open.Window(), 1002), 0);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), std::vector<int>{});
 }
 
 TEST(ProxyPageWithoutRecord, EditsStayEmpty) {
     ProxyPageWithoutRecord open;
-    ASSERT_NE(open.window(), nullptr);
-    for (int id : {1026, 1028, 1030, 1032, 1034}) EXPECT_EQ(ControlTextOf(open.window(), id), "") << id;
-    EXPECT_FALSE(IsChecked(open.window(), 1035));
+    ASSERT_NE(open.Window(), nullptr);
+    for (int id : {1026, 1028, 1030, 1032, 1034}) EXPECT_EQ(ControlTextOf(open.Window(), id), "") << id;
+    EXPECT_FALSE(IsChecked(open.Window(), 1035));
 }
 
 TEST(ProxyPageWithoutRecord, EveryHandlerReportsHandled) {
     ProxyPageWithoutRecord open;
-    ASSERT_NE(open.window(), nullptr);
+    ASSERT_NE(open.Window(), nullptr);
     EXPECT_TRUE(open.Handles(1002, CBN_SELCHANGE));
     EXPECT_TRUE(open.Handles(1026, EN_CHANGE));
     EXPECT_TRUE(open.Handles(1030, EN_CHANGE));
@@ -535,34 +535,34 @@ TEST(ProxyPageWithoutRecord, EveryHandlerReportsHandled) {
     EXPECT_TRUE(open.Handles(1028, EN_CHANGE));
     EXPECT_TRUE(open.Handles(1034, EN_CHANGE));
     EXPECT_TRUE(open.Handles(1035, BN_CLICKED));
-    EXPECT_FALSE(ApplyEnabled(open.sheet()));
+    EXPECT_FALSE(ApplyEnabled(open.Sheet()));
 }
 
 TEST(ProxyPageWithoutRecord, ChoosingARouteChangesNothing) {
     ProxyPageWithoutRecord open;
-    ASSERT_NE(open.window(), nullptr);
-    ASSERT_EQ(ChooseListEntry(open.window(), 1002, kViaProxy), 1);
-    EXPECT_EQ(ShownAmong(open.window(), kGroupControls), std::vector<int>{});
-    EXPECT_FALSE(ApplyEnabled(open.sheet()));
+    ASSERT_NE(open.Window(), nullptr);
+    ASSERT_EQ(ChooseListEntry(open.Window(), 1002, kViaProxy), 1);
+    EXPECT_EQ(ShownAmong(open.Window(), kGroupControls), std::vector<int>{});
+    EXPECT_FALSE(ApplyEnabled(open.Sheet()));
 }
 
 TEST(ProxyPageWithoutRecord, TypingAndClickingChangeNothing) {
     ProxyPageWithoutRecord open;
-    ASSERT_NE(open.window(), nullptr);
-    TypeText(open.window(), 1026, "proxy");
-    TypeText(open.window(), 1030, "user");
-    TypeText(open.window(), 1032, "broker");
-    TypeText(open.window(), 1028, "3128");
-    TypeText(open.window(), 1034, "");
-    ClickControl(open.window(), 1035);
-    EXPECT_FALSE(ApplyEnabled(open.sheet()));
-    EXPECT_EQ(open.page()->Record(), nullptr);
+    ASSERT_NE(open.Window(), nullptr);
+    TypeText(open.Window(), 1026, "proxy");
+    TypeText(open.Window(), 1030, "user");
+    TypeText(open.Window(), 1032, "broker");
+    TypeText(open.Window(), 1028, "3128");
+    TypeText(open.Window(), 1034, "");
+    ClickControl(open.Window(), 1035);
+    EXPECT_FALSE(ApplyEnabled(open.Sheet()));
+    EXPECT_EQ(open.Page()->Record(), nullptr);
 }
 
 TEST(ProxyPageWithoutRecord, ApplyKeepsTheSheetOpen) {
     ProxyPageWithoutRecord open;
-    ASSERT_NE(open.window(), nullptr);
-    TypeText(open.window(), 1026, "proxy");
-    EXPECT_FALSE(Apply(open.sheet()));
-    EXPECT_FALSE(SheetClosed(open.sheet()));
+    ASSERT_NE(open.Window(), nullptr);
+    TypeText(open.Window(), 1026, "proxy");
+    EXPECT_FALSE(Apply(open.Sheet()));
+    EXPECT_FALSE(SheetClosed(open.Sheet()));
 }

@@ -43,18 +43,18 @@ struct EditedSheet {
     }
     bool OpenAndEdit() {
         if (!sheet->Open()) return false;
-        page = ShowPageTitled(sheet->sheet(), "Connection");
+        page = ShowPageTitled(sheet->Sheet(), "Connection");
         if (!page) return false;
         TypeText(PageControl(page, connection_page::kLoginEdit), "changed");
-        return ApplyEnabled(sheet->sheet());
+        return ApplyEnabled(sheet->Sheet());
     }
     std::string ExpectedText(DWORD error) const {
         return file + "\r\n\r\n" + ansi_text::Trimmed(test_support::SystemErrorText(error));
     }
     // A click on one of the sheet's buttons; the message boxes it brought up, each closed.
     std::vector<SeenBox> Press(int button) {
-        MessageBoxWatcher watcher(sheet->sheet());
-        ClickButton(sheet->sheet(), button);
+        MessageBoxWatcher watcher(sheet->Sheet());
+        ClickButton(sheet->Sheet(), button);
         PumpMessages();
         return watcher.Boxes();
     }
@@ -75,7 +75,7 @@ TEST(SaveFailure, ApplyOnALockedFileShowsOneBoxNamingTheFileAndTheSystemsText) {
     const std::vector<SeenBox> boxes = setup.Press(kApplyButtonId);
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
-    EXPECT_EQ(boxes[0].title, WindowText(setup.sheet->sheet()));
+    EXPECT_EQ(boxes[0].title, WindowText(setup.sheet->Sheet()));
 }
 
 TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
@@ -84,9 +84,9 @@ TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
     LockedFile lock(setup.file);
     ASSERT_TRUE(lock.Locked());
     ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
-    EXPECT_FALSE(SheetClosed(setup.sheet->sheet()));
-    EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->sheet()), setup.page));
-    EXPECT_TRUE(ApplyEnabled(setup.sheet->sheet()));
+    EXPECT_FALSE(SheetClosed(setup.sheet->Sheet()));
+    EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->Sheet()), setup.page));
+    EXPECT_TRUE(ApplyEnabled(setup.sheet->Sheet()));
     EXPECT_EQ(WindowText(PageControl(setup.page, connection_page::kLoginEdit)), "changed");
     lock.Unlock();
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
@@ -95,16 +95,16 @@ TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
 TEST(SaveFailure, OkOnALockedFileShowsOneBoxForAllThreePagesAndKeepsTheSheet) {
     EditedSheet setup("save-locked-ok");
     ASSERT_TRUE(setup.OpenAndEdit());
-    ASSERT_EQ(PageCount(setup.sheet->sheet()), 3);
+    ASSERT_EQ(PageCount(setup.sheet->Sheet()), 3);
     // Every page has a window, so every page would write.
-    for (int index = 0; index < 3; ++index) ShowPage(setup.sheet->sheet(), index);
-    ShowPageTitled(setup.sheet->sheet(), "Connection");
+    for (int index = 0; index < 3; ++index) ShowPage(setup.sheet->Sheet(), index);
+    ShowPageTitled(setup.sheet->Sheet(), "Connection");
     LockedFile lock(setup.file);
     ASSERT_TRUE(lock.Locked());
     const std::vector<SeenBox> boxes = setup.Press(IDOK);
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].text, setup.ExpectedText(ERROR_SHARING_VIOLATION));
-    EXPECT_FALSE(SheetClosed(setup.sheet->sheet()));
+    EXPECT_FALSE(SheetClosed(setup.sheet->Sheet()));
 }
 
 TEST(SaveFailure, ApplyOnceTheLockIsGoneWritesTheEditWithoutABox) {
@@ -115,6 +115,6 @@ TEST(SaveFailure, ApplyOnceTheLockIsGoneWritesTheEditWithoutABox) {
     ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
     lock.Unlock();
     EXPECT_TRUE(setup.Press(kApplyButtonId).empty());
-    EXPECT_FALSE(ApplyEnabled(setup.sheet->sheet()));
+    EXPECT_FALSE(ApplyEnabled(setup.sheet->Sheet()));
     EXPECT_NE(ReadFileBytes(setup.file).find("-u changed"), std::string::npos) << ReadFileBytes(setup.file);
 }

@@ -56,15 +56,15 @@ struct DllWithFile {
 
 TEST(ShellSheetPages, Client619GetsConnectionAndOptions) {
     DllWithFile setup("v619", "client_6_19_5");
-    ASSERT_NE(setup.dll.module(), nullptr);
+    ASSERT_NE(setup.dll.Module(), nullptr);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    EXPECT_EQ(sheet.offered(), 2);
-    ASSERT_EQ(PageCount(sheet.sheet()), 2);
-    EXPECT_EQ(PageTitle(sheet.sheet(), 0), "Connection");
-    EXPECT_EQ(PageTitle(sheet.sheet(), 1), "Options");
-    EXPECT_EQ(PageIndex(sheet.sheet(), "Proxy"), -1);
-    const HWND options = ShowPageTitled(sheet.sheet(), "Options");
+    EXPECT_EQ(sheet.Offered(), 2);
+    ASSERT_EQ(PageCount(sheet.Sheet()), 2);
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 0), "Connection");
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 1), "Options");
+    EXPECT_EQ(PageIndex(sheet.Sheet(), "Proxy"), -1);
+    const HWND options = ShowPageTitled(sheet.Sheet(), "Options");
     ASSERT_NE(options, nullptr);
     EXPECT_NE(PageControl(options, 1041), nullptr);
 }
@@ -73,19 +73,19 @@ TEST(ShellSheetPages, Client620GetsAllThree) {
     DllWithFile setup("v620", "client_6_20");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    EXPECT_EQ(sheet.offered(), 3);
-    ASSERT_EQ(PageCount(sheet.sheet()), 3);
-    EXPECT_EQ(PageTitle(sheet.sheet(), 0), "Connection");
-    EXPECT_EQ(PageTitle(sheet.sheet(), 1), "Proxy");
-    EXPECT_EQ(PageTitle(sheet.sheet(), 2), "Options");
+    EXPECT_EQ(sheet.Offered(), 3);
+    ASSERT_EQ(PageCount(sheet.Sheet()), 3);
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 0), "Connection");
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 1), "Proxy");
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 2), "Options");
 }
 
 TEST(ShellSheetPages, NoClientGetsAllThree) {
     DllWithFile setup("no-client");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    EXPECT_EQ(sheet.offered(), 3);
-    EXPECT_EQ(PageCount(sheet.sheet()), 3);
+    EXPECT_EQ(sheet.Offered(), 3);
+    EXPECT_EQ(PageCount(sheet.Sheet()), 3);
 }
 
 TEST(ShellSheetPages, ClientVersion62GetsTwoPages) {
@@ -93,7 +93,7 @@ TEST(ShellSheetPages, ClientVersion62GetsTwoPages) {
     DllWithFile setup("v62", "client_6_2");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    EXPECT_EQ(sheet.offered(), 2);
+    EXPECT_EQ(sheet.Offered(), 2);
 }
 
 TEST(ShellSheetPages, FileThatCannotBeReadStillGetsAllThree) {
@@ -108,9 +108,9 @@ TEST(ShellSheetPages, FileThatCannotBeReadStillGetsAllThree) {
         ASSERT_TRUE(lock);
         EXPECT_EQ(sheet.AddPages(), S_OK);
     }
-    EXPECT_EQ(sheet.offered(), 3);
+    EXPECT_EQ(sheet.Offered(), 3);
     ASSERT_NE(sheet.Show(), nullptr);
-    EXPECT_EQ(PageCount(sheet.sheet()), 3);
+    EXPECT_EQ(PageCount(sheet.Sheet()), 3);
 }
 
 TEST(ShellSheetPages, FileTooLargeToReadStillGetsAllThree) {
@@ -129,7 +129,7 @@ TEST(ShellSheetPages, FileTooLargeToReadStillGetsAllThree) {
     ASSERT_EQ(sheet.CreateObject(), S_OK);
     ASSERT_EQ(sheet.Initialize(), S_OK);
     EXPECT_EQ(sheet.AddPages(), S_OK);
-    EXPECT_EQ(sheet.offered(), 3);
+    EXPECT_EQ(sheet.Offered(), 3);
     DeleteFileA(setup.file.c_str());
 }
 
@@ -150,11 +150,11 @@ TEST(ShellSheetPages, EachPageShowsItsTemplateAndControls) {
     DllWithFile setup("controls");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
-    const HWND connection = PageWindow(sheet.sheet(), 0);
-    const HWND proxy = PageWindow(sheet.sheet(), 1);
-    const HWND options = PageWindow(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
+    const HWND connection = PageWindow(sheet.Sheet(), 0);
+    const HWND proxy = PageWindow(sheet.Sheet(), 1);
+    const HWND options = PageWindow(sheet.Sheet(), 2);
     ASSERT_NE(connection, nullptr);
     ASSERT_NE(proxy, nullptr);
     ASSERT_NE(options, nullptr);
@@ -181,20 +181,20 @@ TEST(ShellSheetPages, EachPageShowsItsTemplateAndControls) {
 
 TEST(ShellSheetApply, ApplyWritesOncePerCreatedPageWithIdenticalBytes) {
     DllWithFile setup("apply-all");
-    EmbedIcon(setup.file, setup.dll.dllPath());
+    EmbedIcon(setup.file, setup.dll.DllPath());
     const std::string expected = WriterBytesFor(setup.file);
     ASSERT_NE(expected.find("-I \""), std::string::npos);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
     WriteWatch watch(setup.file);
-    for (int i = 0; i < 3; ++i) watch.Watch(PageWindow(sheet.sheet(), i));
-    EXPECT_EQ(Apply(sheet.sheet()), TRUE);
-    EXPECT_EQ(watch.applies(), 3);
-    ASSERT_EQ(watch.writes().size(), 3u);
-    for (const std::string& bytes : watch.writes()) EXPECT_EQ(bytes, expected);
-    EXPECT_FALSE(SheetClosed(sheet.sheet()));
+    for (int i = 0; i < 3; ++i) watch.Watch(PageWindow(sheet.Sheet(), i));
+    EXPECT_EQ(Apply(sheet.Sheet()), TRUE);
+    EXPECT_EQ(watch.Applies(), 3);
+    ASSERT_EQ(watch.Writes().size(), 3u);
+    for (const std::string& bytes : watch.Writes()) EXPECT_EQ(bytes, expected);
+    EXPECT_FALSE(SheetClosed(sheet.Sheet()));
 }
 
 TEST(ShellSheetApply, ApplyWithOnlyTheFirstPageCreatedWritesOnce) {
@@ -202,34 +202,34 @@ TEST(ShellSheetApply, ApplyWithOnlyTheFirstPageCreatedWritesOnce) {
     const std::string expected = WriterBytesFor(setup.file);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ASSERT_EQ(PageWindow(sheet.sheet(), 1), nullptr);
+    ASSERT_EQ(PageWindow(sheet.Sheet(), 1), nullptr);
     WriteWatch watch(setup.file);
-    watch.Watch(PageWindow(sheet.sheet(), 0));
-    EXPECT_EQ(Apply(sheet.sheet()), TRUE);
-    EXPECT_EQ(watch.applies(), 1);
-    ASSERT_EQ(watch.writes().size(), 1u);
-    EXPECT_EQ(watch.writes()[0], expected);
+    watch.Watch(PageWindow(sheet.Sheet(), 0));
+    EXPECT_EQ(Apply(sheet.Sheet()), TRUE);
+    EXPECT_EQ(watch.Applies(), 1);
+    ASSERT_EQ(watch.Writes().size(), 1u);
+    EXPECT_EQ(watch.Writes()[0], expected);
     EXPECT_EQ(ReadFileBytes(setup.file), expected);
 }
 
 TEST(ShellSheetApply, ApplyButtonWritesLikeTheMessage) {
     DllWithFile setup("apply-button");
-    EmbedIcon(setup.file, setup.dll.dllPath());
+    EmbedIcon(setup.file, setup.dll.DllPath());
     const std::string expected = WriterBytesFor(setup.file);
     ASSERT_NE(expected.find("-I \""), std::string::npos);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 2);
     WriteWatch watch(setup.file);
-    watch.Watch(PageWindow(sheet.sheet(), 0));
-    watch.Watch(PageWindow(sheet.sheet(), 2));
+    watch.Watch(PageWindow(sheet.Sheet(), 0));
+    watch.Watch(PageWindow(sheet.Sheet(), 2));
     // Apply is enabled by a change; the sheet itself can say so.
-    SendMessageA(sheet.sheet(), PSM_CHANGED, reinterpret_cast<WPARAM>(PageWindow(sheet.sheet(), 2)), 0);
-    ClickButton(sheet.sheet(), kApplyButtonId);
-    EXPECT_EQ(watch.applies(), 2);
-    ASSERT_EQ(watch.writes().size(), 2u);
-    EXPECT_EQ(watch.writes()[0], expected);
-    EXPECT_EQ(watch.writes()[1], expected);
+    SendMessageA(sheet.Sheet(), PSM_CHANGED, reinterpret_cast<WPARAM>(PageWindow(sheet.Sheet(), 2)), 0);
+    ClickButton(sheet.Sheet(), kApplyButtonId);
+    EXPECT_EQ(watch.Applies(), 2);
+    ASSERT_EQ(watch.Writes().size(), 2u);
+    EXPECT_EQ(watch.Writes()[0], expected);
+    EXPECT_EQ(watch.Writes()[1], expected);
 }
 
 TEST(ShellSheetApply, OkWritesOncePerCreatedPageAndClosesTheSheet) {
@@ -237,30 +237,30 @@ TEST(ShellSheetApply, OkWritesOncePerCreatedPageAndClosesTheSheet) {
     const std::string expected = WriterBytesFor(setup.file, 620);
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 1);
+    ShowPage(sheet.Sheet(), 1);
     WriteWatch watch(setup.file);
-    watch.Watch(PageWindow(sheet.sheet(), 0));
-    watch.Watch(PageWindow(sheet.sheet(), 1));
-    ClickButton(sheet.sheet(), IDOK);
-    EXPECT_TRUE(SheetClosed(sheet.sheet()));
-    EXPECT_EQ(watch.applies(), 2);
-    ASSERT_EQ(watch.writes().size(), 2u);
-    EXPECT_EQ(watch.writes()[0], expected);
-    EXPECT_EQ(watch.writes()[1], expected);
+    watch.Watch(PageWindow(sheet.Sheet(), 0));
+    watch.Watch(PageWindow(sheet.Sheet(), 1));
+    ClickButton(sheet.Sheet(), IDOK);
+    EXPECT_TRUE(SheetClosed(sheet.Sheet()));
+    EXPECT_EQ(watch.Applies(), 2);
+    ASSERT_EQ(watch.Writes().size(), 2u);
+    EXPECT_EQ(watch.Writes()[0], expected);
+    EXPECT_EQ(watch.Writes()[1], expected);
 }
 
 TEST(ShellSheetApply, CancelWritesNothing) {
     DllWithFile setup("cancel");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
     WriteWatch watch(setup.file);
-    for (int i = 0; i < 3; ++i) watch.Watch(PageWindow(sheet.sheet(), i));
-    PressCancel(sheet.sheet());
-    EXPECT_TRUE(SheetClosed(sheet.sheet()));
+    for (int i = 0; i < 3; ++i) watch.Watch(PageWindow(sheet.Sheet(), i));
+    PressCancel(sheet.Sheet());
+    EXPECT_TRUE(SheetClosed(sheet.Sheet()));
     sheet.Destroy();
-    EXPECT_EQ(watch.applies(), 0);
+    EXPECT_EQ(watch.Applies(), 0);
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
 }
 
@@ -269,12 +269,12 @@ TEST(ShellSheetApply, ClosingTheSheetWritesNothing) {
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
     WriteWatch watch(setup.file);
-    watch.Watch(PageWindow(sheet.sheet(), 0));
-    SendMessageA(sheet.sheet(), WM_SYSCOMMAND, SC_CLOSE, 0);
+    watch.Watch(PageWindow(sheet.Sheet(), 0));
+    SendMessageA(sheet.Sheet(), WM_SYSCOMMAND, SC_CLOSE, 0);
     PumpMessages();
-    EXPECT_TRUE(SheetClosed(sheet.sheet()));
+    EXPECT_TRUE(SheetClosed(sheet.Sheet()));
     sheet.Destroy();
-    EXPECT_EQ(watch.applies(), 0);
+    EXPECT_EQ(watch.Applies(), 0);
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
 }
 
@@ -282,21 +282,21 @@ TEST(ShellSheetApply, WriteFailureKeepsTheSheetOnTheFailingPage) {
     DllWithFile setup("locked");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 2);
     {
         const UniqueKernelHandle lock(CreateFileA(setup.file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                                   FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(lock);
-        MessageBoxWatcher boxes(sheet.sheet());
-        ClickButton(sheet.sheet(), IDOK);
-        EXPECT_FALSE(SheetClosed(sheet.sheet()));
-        EXPECT_NE(CurrentPage(sheet.sheet()), nullptr);
+        MessageBoxWatcher boxes(sheet.Sheet());
+        ClickButton(sheet.Sheet(), IDOK);
+        EXPECT_FALSE(SheetClosed(sheet.Sheet()));
+        EXPECT_NE(CurrentPage(sheet.Sheet()), nullptr);
         EXPECT_EQ(boxes.Boxes().size(), 1u);
     }
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
     // Once the file is free again, OK writes and closes.
-    ClickButton(sheet.sheet(), IDOK);
-    EXPECT_TRUE(SheetClosed(sheet.sheet()));
+    ClickButton(sheet.Sheet(), IDOK);
+    EXPECT_TRUE(SheetClosed(sheet.Sheet()));
     EXPECT_EQ(ReadFileBytes(setup.file), WriterBytesFor(setup.file));
 }
 
@@ -304,7 +304,7 @@ TEST(ShellSheetApply, ApplyFromAForeignWindowIsNotHandled) {
     DllWithFile setup("foreign");
     ShellPropertySheet sheet(setup.dll.GetClassObject(), setup.file);
     ASSERT_TRUE(sheet.Open());
-    const HWND page = PageWindow(sheet.sheet(), 0);
+    const HWND page = PageWindow(sheet.Sheet(), 0);
     const HWND foreign =
         CreateWindowExA(0, "static", "foreign", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     ASSERT_NE(foreign, nullptr);
@@ -314,7 +314,7 @@ TEST(ShellSheetApply, ApplyFromAForeignWindowIsNotHandled) {
     DestroyWindow(foreign);
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
     // The same notification from the sheet is handled.
-    header.hwndFrom = sheet.sheet();
+    header.hwndFrom = sheet.Sheet();
     EXPECT_EQ(SendMessageA(page, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), PSNRET_NOERROR);
     EXPECT_EQ(ReadFileBytes(setup.file), WriterBytesFor(setup.file));
 }
@@ -327,10 +327,10 @@ TEST(ShellSheetApply, TwoSheetsAtOnceWriteTheirOwnFiles) {
     ASSERT_TRUE(first.Open());
     ShellPropertySheet second(setup.dll.GetClassObject(), other);
     ASSERT_TRUE(second.Open());
-    EXPECT_EQ(Apply(second.sheet()), TRUE);
+    EXPECT_EQ(Apply(second.Sheet()), TRUE);
     EXPECT_EQ(ReadFileBytes(other), WriterBytesFor(other));
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
-    EXPECT_EQ(Apply(first.sheet()), TRUE);
+    EXPECT_EQ(Apply(first.Sheet()), TRUE);
     EXPECT_EQ(ReadFileBytes(setup.file), WriterBytesFor(setup.file));
 }
 
@@ -343,8 +343,8 @@ TEST(ShellSheetUnload, DllCanUnloadOnceTheObjectAndTheSheetAreGone) {
         ASSERT_TRUE(sheet.Open());
         EXPECT_EQ(setup.dll.CanUnloadNow(), S_FALSE);  // the object is alive
         sheet.ReleaseObject();
-        ShowPage(sheet.sheet(), 1);
-        EXPECT_EQ(Apply(sheet.sheet()), TRUE);
+        ShowPage(sheet.Sheet(), 1);
+        EXPECT_EQ(Apply(sheet.Sheet()), TRUE);
         sheet.Destroy();
         EXPECT_EQ(setup.dll.CanUnloadNow(), S_OK);
     }

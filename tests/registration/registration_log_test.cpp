@@ -23,7 +23,7 @@ TEST(RegistrationLog, OtherKeysAreNamedInTheirNativeForm) {
     const std::string path = RegistrationLog::GetRegistryKeyPath(key.Get());
     EXPECT_EQ(path, NativeKeyName(key.Get()));
     EXPECT_EQ(path.rfind("\\REGISTRY\\User\\", 0), 0u) << path;
-    const std::string tail = key.path().substr(key.path().rfind('\\'));
+    const std::string tail = key.Path().substr(key.Path().rfind('\\'));
     EXPECT_EQ(path.substr(path.size() - tail.size()), tail);
 }
 

@@ -38,7 +38,7 @@ public:
     PrivateKey& operator=(const PrivateKey&) = delete;
 
     HKEY Get() const { return key_.Get(); }
-    const std::string& path() const { return path_; }
+    const std::string& Path() const { return path_; }
 
 private:
     std::string path_;
@@ -57,7 +57,7 @@ public:
     PrivateClassesRoot& operator=(const PrivateClassesRoot&) = delete;
 
     HKEY Get() const { return key_.Get(); }
-    const std::string& path() const { return key_.path(); }
+    const std::string& Path() const { return key_.Path(); }
 
 private:
     PrivateKey key_;

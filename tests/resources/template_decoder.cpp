@@ -6,8 +6,8 @@ class Reader {
 public:
     Reader(const std::uint8_t* bytes, std::size_t size) : bytes_(bytes), size_(size) {}
 
-    bool failed() const { return failed_; }
-    std::size_t position() const { return position_; }
+    bool Failed() const { return failed_; }
+    std::size_t Position() const { return position_; }
     void AlignTo4() { position_ = (position_ + 3) & ~static_cast<std::size_t>(3); }
 
     std::uint16_t Word() {
@@ -59,10 +59,10 @@ DecodedTemplate DecodeTemplate(const std::uint8_t* bytes, std::size_t size) {
         t.pointSize = in.Word();
         t.faceName = in.Text();
     }
-    for (std::uint16_t i = 0; i < t.controlCount && !in.failed(); ++i) {
+    for (std::uint16_t i = 0; i < t.controlCount && !in.Failed(); ++i) {
         DecodedControl c;
         in.AlignTo4();
-        c.offset = in.position();
+        c.offset = in.Position();
         c.style = in.DoubleWord();
         c.exStyle = in.DoubleWord();
         c.x = static_cast<std::int16_t>(in.Word());
@@ -75,7 +75,7 @@ DecodedTemplate DecodeTemplate(const std::uint8_t* bytes, std::size_t size) {
         c.creationDataSize = in.Word();
         t.controls.push_back(c);
     }
-    t.end = in.position();
-    t.ok = !in.failed();
+    t.end = in.Position();
+    t.ok = !in.Failed();
     return t;
 }

@@ -14,16 +14,16 @@ namespace {
 class ExtensionFolder {
 public:
     explicit ExtensionFolder(const std::string& tag) : folder_(tag) {
-        copied_ = CopyInto(DllPath(), folder_.File("vqcprop64.dll"));
+        copied_ = CopyInto(BuiltDllPath(), folder_.File("vqcprop64.dll"));
         module_.Reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
     }
     ~ExtensionFolder() { module_.Reset(); }
 
     bool Ready() const { return copied_ && module_; }
-    HMODULE module() const { return module_.Get(); }
+    HMODULE Module() const { return module_.Get(); }
     std::string File(const std::string& name) const { return folder_.File(name); }
     void Place(const std::string& fixture, const std::string& name) const {
-        ASSERT_TRUE(CopyInto(FixturePath(fixture), File(name))) << fixture;
+        ASSERT_TRUE(CopyInto(ClientFixturePath(fixture), File(name))) << fixture;
     }
 
 private:
@@ -34,7 +34,7 @@ private:
 
 std::string Probe(const ExtensionFolder& extension, bool* found) {
     std::string path = "unwritten";
-    *found = FindClientInstallation(extension.module(), &path);
+    *found = FindClientInstallation(extension.Module(), &path);
     return path;
 }
 
@@ -52,7 +52,7 @@ TEST(ClientProbe, NullOutputGivesFalse) {
     ExtensionFolder extension("probe-null");
     ASSERT_TRUE(extension.Ready());
     extension.Place("client_7", "vclient.dll");
-    EXPECT_FALSE(FindClientInstallation(extension.module(), nullptr));
+    EXPECT_FALSE(FindClientInstallation(extension.Module(), nullptr));
 }
 
 TEST(ClientProbe, FirstCandidateWinsOverTheThird) {
@@ -100,13 +100,13 @@ TEST(ClientProbe, ClientsElsewhereAreNeverLookedFor) {
     ASSERT_TRUE(extension.Ready());
     // A client in the current directory and beside the test program, none beside the DLL.
     TempFolder current("probe-current");
-    ASSERT_TRUE(CopyInto(FixturePath("client_7"), current.File("vclient.dll")));
+    ASSERT_TRUE(CopyInto(ClientFixturePath("client_7"), current.File("vclient.dll")));
     char programPath[MAX_PATH + 1] = {};
     GetModuleFileNameA(nullptr, programPath, sizeof(programPath));
     std::string programFolder = programPath;
     programFolder.resize(programFolder.rfind('\\'));
     const std::string besideProgram = programFolder + "\\vclientu.dll";
-    ASSERT_TRUE(CopyInto(FixturePath("client_7"), besideProgram));
+    ASSERT_TRUE(CopyInto(ClientFixturePath("client_7"), besideProgram));
     SetCurrentDirectoryA(current.Path().c_str());
     bool found = true;
     const std::string path = Probe(extension, &found);
@@ -116,43 +116,43 @@ TEST(ClientProbe, ClientsElsewhereAreNeverLookedFor) {
 }
 
 TEST(ClientVersion, FourFieldsGiveTheFirstTwoJoined) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_40_0_12").c_str()), 640);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_40_0_12").c_str()), 640);
 }
 
 TEST(ClientVersion, SixPointTwoGivesSixtyTwo) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_2").c_str()), 62);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_2").c_str()), 62);
 }
 
 TEST(ClientVersion, TenPointOnePointThreeGives101) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_10_1_3").c_str()), 101);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_10_1_3").c_str()), 101);
 }
 
 TEST(ClientVersion, SingleFieldSevenGivesSeven) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_7").c_str()), 7);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_7").c_str()), 7);
 }
 
 TEST(ClientVersion, EmptyProductVersionGivesZero) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_empty").c_str()), 0);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_empty").c_str()), 0);
 }
 
 TEST(ClientVersion, SixNineteenFiveGives619) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_19_5").c_str()), 619);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_19_5").c_str()), 619);
 }
 
 TEST(ClientVersion, FixturesAtThePageGatesReadAsTheirNumbers) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_20").c_str()), 620);
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_64").c_str()), 664);
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_65").c_str()), 665);
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_89").c_str()), 689);
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_6_90").c_str()), 690);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_20").c_str()), 620);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_64").c_str()), 664);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_65").c_str()), 665);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_89").c_str()), 689);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_6_90").c_str()), 690);
 }
 
 TEST(ClientVersion, OnlyAnotherLanguageBlockGives726) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_other_block").c_str()), 726);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_other_block").c_str()), 726);
 }
 
 TEST(ClientVersion, NoVersionResourceGives726) {
-    EXPECT_EQ(ReadClientVersion(FixturePath("client_no_version").c_str()), 726);
+    EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_no_version").c_str()), 726);
 }
 
 TEST(ClientVersion, MissingFileGives726) {

@@ -117,7 +117,7 @@ TEST_P(WideNamedFile, IconHandlerGivesTheFilesIcon) {
 TEST_P(WideNamedFile, PagesShowTheFilesValues) {
     ShellPropertySheet sheet(dll_.GetClassObject(), path_);
     ASSERT_TRUE(sheet.Open());
-    const HWND page = ShowPageTitled(sheet.sheet(), "Connection");
+    const HWND page = ShowPageTitled(sheet.Sheet(), "Connection");
     ASSERT_NE(page, nullptr);
     EXPECT_EQ(WindowText(PageControl(page, connection_page::kServerBox)), "server.example");
     EXPECT_EQ(WindowText(PageControl(page, connection_page::kLoginEdit)), "tester");
@@ -126,10 +126,10 @@ TEST_P(WideNamedFile, PagesShowTheFilesValues) {
 TEST_P(WideNamedFile, ApplyWritesTheFileUnderItsOwnLongName) {
     ShellPropertySheet sheet(dll_.GetClassObject(), path_);
     ASSERT_TRUE(sheet.Open());
-    const HWND page = ShowPageTitled(sheet.sheet(), "Connection");
+    const HWND page = ShowPageTitled(sheet.Sheet(), "Connection");
     ASSERT_NE(page, nullptr);
     TypeText(PageControl(page, connection_page::kLoginEdit), "changed");
-    ASSERT_TRUE(Apply(sheet.sheet()));
+    ASSERT_TRUE(Apply(sheet.Sheet()));
     const std::string written = ReadWide(path_);
     EXPECT_NE(written.find("-u changed"), std::string::npos) << written;
     EXPECT_NE(written.find("-h server.example"), std::string::npos) << written;

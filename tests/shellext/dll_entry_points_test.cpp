@@ -26,13 +26,13 @@ class LoadedDll {
 public:
     explicit LoadedDll(const std::string& tag, const std::string& name = "vqcprop64.dll") : folder_(tag) {
         path_ = folder_.File(name);
-        if (CopyInto(DllPath(), path_)) module_ = LoadLibraryA(path_.c_str());
+        if (CopyInto(BuiltDllPath(), path_)) module_ = LoadLibraryA(path_.c_str());
     }
     ~LoadedDll() { Unload(); }
 
-    HMODULE module() const { return module_; }
-    const std::string& path() const { return path_; }
-    const TempFolder& folder() const { return folder_; }
+    HMODULE Module() const { return module_; }
+    const std::string& Path() const { return path_; }
+    const TempFolder& Folder() const { return folder_; }
     template <typename Function>
     Function Export(const char* name) const {
         return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
@@ -52,10 +52,10 @@ private:
 
 TEST(DllEntryPoints, UnderscoreNamesAreTheSameEntries) {
     LoadedDll dll("aliases");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     for (const char* name : {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}) {
-        const FARPROC plain = GetProcAddress(dll.module(), name);
-        const FARPROC underscored = GetProcAddress(dll.module(), (std::string("_") + name).c_str());
+        const FARPROC plain = GetProcAddress(dll.Module(), name);
+        const FARPROC underscored = GetProcAddress(dll.Module(), (std::string("_") + name).c_str());
         EXPECT_NE(plain, nullptr) << name;
         EXPECT_EQ(plain, underscored) << name;
     }
@@ -63,13 +63,13 @@ TEST(DllEntryPoints, UnderscoreNamesAreTheSameEntries) {
 
 TEST(DllEntryPoints, FreshDllCanUnload) {
     LoadedDll dll("fresh");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     EXPECT_EQ(dll.Export<CanUnloadNow>("DllCanUnloadNow")(), S_OK);
 }
 
 TEST(DllEntryPoints, ObjectsAndFactoryReferencesKeepItLoadedUntilReleased) {
     LoadedDll dll("locks");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     auto canUnload = dll.Export<CanUnloadNow>("DllCanUnloadNow");
     auto getClassObject = dll.Export<GetClassObject>("DllGetClassObject");
     {
@@ -87,7 +87,7 @@ TEST(DllEntryPoints, ObjectsAndFactoryReferencesKeepItLoadedUntilReleased) {
 
 TEST(DllEntryPoints, TwoRequestsAnswerTheSameFactory) {
     LoadedDll dll("same-factory");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     auto getClassObject = dll.Export<GetClassObject>("DllGetClassObject");
     ComPtr<IClassFactory> first;
     ComPtr<IClassFactory> second;
@@ -98,7 +98,7 @@ TEST(DllEntryPoints, TwoRequestsAnswerTheSameFactory) {
 
 TEST(DllEntryPoints, OtherClassIsNotAvailableAndNullOutputIsEPointer) {
     LoadedDll dll("other-class");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     auto getClassObject = dll.Export<GetClassObject>("DllGetClassObject");
     void* object = reinterpret_cast<void*>(0xdeadbeef);
     EXPECT_EQ(getClassObject(kOtherClass, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
@@ -108,7 +108,7 @@ TEST(DllEntryPoints, OtherClassIsNotAvailableAndNullOutputIsEPointer) {
 
 TEST(DllEntryPoints, ObjectAnswersTheClassIdAsAnInterface) {
     LoadedDll dll("class-as-iid");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     ComPtr<IClassFactory> factory;
     ASSERT_EQ(dll.Export<GetClassObject>("DllGetClassObject")(kClassId, IID_IClassFactory, factory.PutVoid()), S_OK);
     ComPtr<IUnknown> object;
@@ -122,8 +122,8 @@ TEST(DllFailureLog, ProtectedClassKeyIsLoggedWhenTheDllUnloads) {
     PrivateClassesRoot root("dll-log");
     CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     LoadedDll dll("dll-log");
-    ASSERT_NE(dll.module(), nullptr);
-    const std::string logFile = dll.folder().File("registration.log");
+    ASSERT_NE(dll.Module(), nullptr);
+    const std::string logFile = dll.Folder().File("registration.log");
     ScopedEnvironment variable(kVariable, logFile.c_str());
 
     SetLastError(0);
@@ -146,8 +146,8 @@ TEST(DllFailureLog, ProtectedClassKeyIsLoggedWhenTheDllUnloads) {
 TEST(DllFailureLog, TwoFailedRegistrationsGiveTwoLinesAndNoFinalLineFeed) {
     PrivateClassesRoot root("dll-log-two", REG_OPTION_VOLATILE);
     LoadedDll dll("dll-log-two");
-    ASSERT_NE(dll.module(), nullptr);
-    const std::string logFile = dll.folder().File("registration.log");
+    ASSERT_NE(dll.Module(), nullptr);
+    const std::string logFile = dll.Folder().File("registration.log");
     ScopedEnvironment variable(kVariable, logFile.c_str());
     auto registerServer = dll.Export<RegisterServer>("DllRegisterServer");
     SetLastError(1021);
@@ -169,12 +169,12 @@ TEST(DllFailureLog, UnsetVariableCreatesNoFileEvenWhenWritesFail) {
     CreateKey(root.Get(), "CLSID", REG_OPTION_VOLATILE);
     SetEnvironmentVariableA(kVariable, nullptr);
     LoadedDll dll("dll-log-unset");
-    ASSERT_NE(dll.module(), nullptr);
-    SetCurrentDirectoryA(dll.folder().Path().c_str());
+    ASSERT_NE(dll.Module(), nullptr);
+    SetCurrentDirectoryA(dll.Folder().Path().c_str());
     EXPECT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), static_cast<HRESULT>(0x800703FD));
     dll.Unload();
     WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA(dll.folder().File("*").c_str(), &found);
+    HANDLE search = FindFirstFileA(dll.Folder().File("*").c_str(), &found);
     int files = 0;
     if (search != INVALID_HANDLE_VALUE) {
         do {
@@ -188,8 +188,8 @@ TEST(DllFailureLog, UnsetVariableCreatesNoFileEvenWhenWritesFail) {
 TEST(DllFailureLog, SuccessfulRegistrationLeavesAnExistingLogUntouched) {
     PrivateClassesRoot root("dll-log-success");
     LoadedDll dll("dll-log-success");
-    ASSERT_NE(dll.module(), nullptr);
-    const std::string logFile = dll.folder().File("registration.log");
+    ASSERT_NE(dll.Module(), nullptr);
+    const std::string logFile = dll.Folder().File("registration.log");
     WriteFileBytes(logFile, "from an earlier run");
     ScopedEnvironment variable(kVariable, logFile.c_str());
     EXPECT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), S_OK);
@@ -201,7 +201,7 @@ TEST(DllFailureLog, SuccessfulRegistrationLeavesAnExistingLogUntouched) {
 TEST(DllRegistration, RenamedDllNamesItsAppIdKeyAfterItself) {
     PrivateClassesRoot root("renamed");
     LoadedDll dll("renamed", "renamed-extension.dll");
-    ASSERT_NE(dll.module(), nullptr);
+    ASSERT_NE(dll.Module(), nullptr);
     ASSERT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), S_OK);
     EXPECT_EQ(ReadValue(root.Get(), "AppID\\renamed-extension.dll", "AppID").Text(),
               "{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}");
@@ -209,7 +209,7 @@ TEST(DllRegistration, RenamedDllNamesItsAppIdKeyAfterItself) {
     EXPECT_EQ(_stricmp(ReadValue(root.Get(), "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32", nullptr)
                            .Text()
                            .c_str(),
-                       dll.path().c_str()),
+                       dll.Path().c_str()),
               0);
     ASSERT_EQ(dll.Export<RegisterServer>("DllUnregisterServer")(), S_OK);
     EXPECT_FALSE(KeyExists(root.Get(), "AppID\\renamed-extension.dll"));

@@ -29,7 +29,7 @@ DWORD RunRegsvr32(const std::string& arguments) { return RunProgram(SystemFolder
 class RegisteredDll : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(CopyInto(DllPath(), dll_));
+        ASSERT_TRUE(CopyInto(BuiltDllPath(), dll_));
         ASSERT_EQ(RunRegsvr32("/s \"" + dll_ + "\""), 0u);
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }

@@ -40,8 +40,8 @@ BOOL CALLBACK CollectName(HMODULE, LPCSTR, LPSTR name, LONG_PTR names) {
 class DllAsData : public ::testing::Test {
 protected:
     void SetUp() override {
-        module_.Reset(LoadLibraryExA(DllPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-        ASSERT_TRUE(module_) << DllPath();
+        module_.Reset(LoadLibraryExA(BuiltDllPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+        ASSERT_TRUE(module_) << BuiltDllPath();
     }
     UniqueModule module_;
 };
@@ -84,8 +84,8 @@ TEST_F(DllAsData, IconGroupHoldsA16And32PixelImageAt8Bits) {
 TEST(DllIcon, ExtractsAsThe32And16PixelPair) {
     HICON large = nullptr;
     HICON small = nullptr;
-    ASSERT_EQ(ExtractIconExA(DllPath().c_str(), -1, nullptr, nullptr, 0), 1u);
-    ASSERT_EQ(ExtractIconExA(DllPath().c_str(), 0, &large, &small, 1), 2u);
+    ASSERT_EQ(ExtractIconExA(BuiltDllPath().c_str(), -1, nullptr, nullptr, 0), 1u);
+    ASSERT_EQ(ExtractIconExA(BuiltDllPath().c_str(), 0, &large, &small, 1), 2u);
     UniqueIcon largeOwner(large);
     UniqueIcon smallOwner(small);
     EXPECT_EQ(IconSize(large).cx, 32);
@@ -95,10 +95,10 @@ TEST(DllIcon, ExtractsAsThe32And16PixelPair) {
 }
 
 TEST(DllVersion, CarriesAUsEnglishVersionBlock) {
-    const DWORD size = GetFileVersionInfoSizeA(DllPath().c_str(), nullptr);
+    const DWORD size = GetFileVersionInfoSizeA(BuiltDllPath().c_str(), nullptr);
     ASSERT_GT(size, 0u);
     std::vector<char> buffer(size);
-    ASSERT_TRUE(GetFileVersionInfoA(DllPath().c_str(), 0, size, buffer.data()));
+    ASSERT_TRUE(GetFileVersionInfoA(BuiltDllPath().c_str(), 0, size, buffer.data()));
     void* text = nullptr;
     UINT length = 0;
     ASSERT_TRUE(VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\OriginalFilename", &text, &length));

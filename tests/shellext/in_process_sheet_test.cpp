@@ -49,16 +49,16 @@ TEST(InProcessSheet, OffersConnectionProxyAndOptionsInThisOrder) {
     WriteFileBytes(file, kLine);
     ShellPropertySheet sheet(ThisProcessGetClassObject, file);
     ASSERT_TRUE(sheet.Open());
-    EXPECT_EQ(sheet.offered(), 3);
-    EXPECT_EQ(PageCount(sheet.sheet()), 3);
-    EXPECT_EQ(PageTitle(sheet.sheet(), 0), "Connection");
-    EXPECT_EQ(PageTitle(sheet.sheet(), 1), "Proxy");
-    EXPECT_EQ(PageTitle(sheet.sheet(), 2), "Options");
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
-    EXPECT_NE(CVQCConnectionPage::FromWindow(PageWindow(sheet.sheet(), 0)), nullptr);
-    EXPECT_NE(CVQCProxyPage::FromWindow(PageWindow(sheet.sheet(), 1)), nullptr);
-    EXPECT_NE(CVQCOptionPage::FromWindow(PageWindow(sheet.sheet(), 2)), nullptr);
+    EXPECT_EQ(sheet.Offered(), 3);
+    EXPECT_EQ(PageCount(sheet.Sheet()), 3);
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 0), "Connection");
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 1), "Proxy");
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 2), "Options");
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
+    EXPECT_NE(CVQCConnectionPage::FromWindow(PageWindow(sheet.Sheet(), 0)), nullptr);
+    EXPECT_NE(CVQCProxyPage::FromWindow(PageWindow(sheet.Sheet(), 1)), nullptr);
+    EXPECT_NE(CVQCOptionPage::FromWindow(PageWindow(sheet.Sheet(), 2)), nullptr);
 }
 
 TEST(InProcessSheet, ThePagesShareOneRecordReadFromTheFile) {
@@ -67,12 +67,12 @@ TEST(InProcessSheet, ThePagesShareOneRecordReadFromTheFile) {
     WriteFileBytes(file, kLine);
     ShellPropertySheet sheet(ThisProcessGetClassObject, file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
-    VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.sheet(), 0))->Record();
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
+    VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.Sheet(), 0))->Record();
     ASSERT_NE(record, nullptr);
-    EXPECT_EQ(CVQCProxyPage::FromWindow(PageWindow(sheet.sheet(), 1))->Record(), record);
-    EXPECT_EQ(CVQCOptionPage::FromWindow(PageWindow(sheet.sheet(), 2))->Record(), record);
+    EXPECT_EQ(CVQCProxyPage::FromWindow(PageWindow(sheet.Sheet(), 1))->Record(), record);
+    EXPECT_EQ(CVQCOptionPage::FromWindow(PageWindow(sheet.Sheet(), 2))->Record(), record);
     EXPECT_EQ(record->host, "server.example");
     EXPECT_EQ(record->login, "tester");
     char full[MAX_PATH + 1] = {};
@@ -91,12 +91,12 @@ TEST(InProcessSheet, EveryPageNamesTheModulesLockCountAsReferenceParent) {
     WriteFileBytes(file, kLine);
     ShellPropertySheet sheet(ThisProcessGetClassObject, file);
     ASSERT_TRUE(sheet.Open());
-    ShowPage(sheet.sheet(), 1);
-    ShowPage(sheet.sheet(), 2);
+    ShowPage(sheet.Sheet(), 1);
+    ShowPage(sheet.Sheet(), 2);
     const PROPSHEETPAGEA* descriptions[] = {
-        &CVQCConnectionPage::FromWindow(PageWindow(sheet.sheet(), 0))->Description(),
-        &CVQCProxyPage::FromWindow(PageWindow(sheet.sheet(), 1))->Description(),
-        &CVQCOptionPage::FromWindow(PageWindow(sheet.sheet(), 2))->Description(),
+        &CVQCConnectionPage::FromWindow(PageWindow(sheet.Sheet(), 0))->Description(),
+        &CVQCProxyPage::FromWindow(PageWindow(sheet.Sheet(), 1))->Description(),
+        &CVQCOptionPage::FromWindow(PageWindow(sheet.Sheet(), 2))->Description(),
     };
     const char* titles[] = {"Connection", "Proxy", "Options"};
     for (int i = 0; i < 3; ++i) {
@@ -117,9 +117,9 @@ TEST(InProcessSheet, RecordIsFreedWithTheLastPageEvenWhenProxyAndOptionsWereNeve
     ShellPropertySheet sheet(ThisProcessGetClassObject, file);
     ASSERT_TRUE(sheet.Open());
     sheet.ReleaseObject();
-    ASSERT_EQ(PageWindow(sheet.sheet(), 1), nullptr);
-    ASSERT_EQ(PageWindow(sheet.sheet(), 2), nullptr);
-    VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.sheet(), 0))->Record();
+    ASSERT_EQ(PageWindow(sheet.Sheet(), 1), nullptr);
+    ASSERT_EQ(PageWindow(sheet.Sheet(), 2), nullptr);
+    VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.Sheet(), 0))->Record();
     ASSERT_NE(record, nullptr);
     const HICON icon = record->icon.Get();
     const HICON smallIcon = record->smallIcon.Get();
@@ -140,25 +140,25 @@ TEST(InProcessSheet, RefusedPageIsDeletedAndTheOthersStillWork) {
     ShellPropertySheet sheet(ThisProcessGetClassObject, file);
     sheet.RefuseOffer(1);  // the Proxy page
     ASSERT_TRUE(sheet.Open());
-    EXPECT_EQ(sheet.offered(), 3);
-    EXPECT_EQ(sheet.accepted().size(), 2u);
-    EXPECT_EQ(PageTitle(sheet.sheet(), 0), "Connection");
-    EXPECT_EQ(PageTitle(sheet.sheet(), 1), "Options");
-    ShowPage(sheet.sheet(), 1);
-    VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.sheet(), 0))->Record();
+    EXPECT_EQ(sheet.Offered(), 3);
+    EXPECT_EQ(sheet.Accepted().size(), 2u);
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 0), "Connection");
+    EXPECT_EQ(PageTitle(sheet.Sheet(), 1), "Options");
+    ShowPage(sheet.Sheet(), 1);
+    VQCFileInfo* record = CVQCConnectionPage::FromWindow(PageWindow(sheet.Sheet(), 0))->Record();
     // The refused page gave its reference back when it was deleted.
     EXPECT_EQ(record->refCount, 2u);
-    EXPECT_EQ(CVQCOptionPage::FromWindow(PageWindow(sheet.sheet(), 1))->Record(), record);
+    EXPECT_EQ(CVQCOptionPage::FromWindow(PageWindow(sheet.Sheet(), 1))->Record(), record);
 
     const std::string expected = WriterBytesFor(file);
     WriteWatch watch(file);
-    watch.Watch(PageWindow(sheet.sheet(), 0));
-    watch.Watch(PageWindow(sheet.sheet(), 1));
-    EXPECT_EQ(Apply(sheet.sheet()), TRUE);
-    EXPECT_EQ(watch.applies(), 2);
-    ASSERT_EQ(watch.writes().size(), 2u);
-    EXPECT_EQ(watch.writes()[0], expected);
-    EXPECT_EQ(watch.writes()[1], expected);
+    watch.Watch(PageWindow(sheet.Sheet(), 0));
+    watch.Watch(PageWindow(sheet.Sheet(), 1));
+    EXPECT_EQ(Apply(sheet.Sheet()), TRUE);
+    EXPECT_EQ(watch.Applies(), 2);
+    ASSERT_EQ(watch.Writes().size(), 2u);
+    EXPECT_EQ(watch.Writes()[0], expected);
+    EXPECT_EQ(watch.Writes()[1], expected);
 }
 
 TEST(InProcessSheet, AllPagesRefusedLeavesNoPageAndFreesTheRecord) {
@@ -174,8 +174,8 @@ TEST(InProcessSheet, AllPagesRefusedLeavesNoPageAndFreesTheRecord) {
         ASSERT_EQ(sheet.CreateObject(), S_OK);
         ASSERT_EQ(sheet.Initialize(), S_OK);
         EXPECT_EQ(sheet.AddPages(), S_OK);
-        EXPECT_EQ(sheet.offered(), 3);
-        EXPECT_TRUE(sheet.accepted().empty());
+        EXPECT_EQ(sheet.Offered(), 3);
+        EXPECT_TRUE(sheet.Accepted().empty());
         EXPECT_EQ(TheModule().WindowCreation().Count(), 0);
     }
     EXPECT_EQ(TheModule().GetLockCount(), locks);
@@ -187,24 +187,24 @@ TEST(InProcessSheet, WriteFailureKeepsTheSheetOnThePageAndTheEditsForARetry) {
     WriteFileBytes(file, kLine);
     ShellPropertySheet sheet(ThisProcessGetClassObject, file);
     ASSERT_TRUE(sheet.Open());
-    const HWND page = PageWindow(sheet.sheet(), 0);
+    const HWND page = PageWindow(sheet.Sheet(), 0);
     VQCFileInfo* record = CVQCConnectionPage::FromWindow(page)->Record();
     record->host = "edited.example";
     {
         const UniqueKernelHandle lock(
             CreateFileA(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(lock);
-        MessageBoxWatcher boxes(sheet.sheet());
-        ClickButton(sheet.sheet(), IDOK);
+        MessageBoxWatcher boxes(sheet.Sheet());
+        ClickButton(sheet.Sheet(), IDOK);
         EXPECT_EQ(boxes.Boxes().size(), 1u);
-        EXPECT_FALSE(SheetClosed(sheet.sheet()));
-        EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.sheet()), page));
+        EXPECT_FALSE(SheetClosed(sheet.Sheet()));
+        EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.Sheet()), page));
         EXPECT_EQ(record->lastError, static_cast<std::uint32_t>(ERROR_SHARING_VIOLATION));
         EXPECT_EQ(record->host, "edited.example");
     }
     EXPECT_EQ(ReadFileBytes(file), kLine);
-    ClickButton(sheet.sheet(), IDOK);
-    EXPECT_TRUE(SheetClosed(sheet.sheet()));
+    ClickButton(sheet.Sheet(), IDOK);
+    EXPECT_TRUE(SheetClosed(sheet.Sheet()));
     EXPECT_NE(ReadFileBytes(file).find("-h edited.example"), std::string::npos) << ReadFileBytes(file);
 }
 
@@ -219,7 +219,7 @@ TEST(InProcessSheet, NoPageObjectOutlivesTheSheet) {
         ShellPropertySheet sheet(ThisProcessGetClassObject, file);
         sheet.RefuseOffer(cycle % 3);
         ASSERT_TRUE(sheet.Open());
-        const HWND first = PageWindow(sheet.sheet(), 0);
+        const HWND first = PageWindow(sheet.Sheet(), 0);
         VQCFileInfo* record = cycle % 3 == 0 ? CVQCProxyPage::FromWindow(first)->Record()
                                              : CVQCConnectionPage::FromWindow(first)->Record();
         ASSERT_NE(record, nullptr);

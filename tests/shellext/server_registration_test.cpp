@@ -354,7 +354,7 @@ TEST(ServerRegistration, FailedRegistrationDoesNotTellTheShell) {
 TEST(ServerRegistration, FailedValueIsLoggedAndTheWalkGoesOn) {
     PrivateKey root("value-walk");
     HKEY opened = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, root.path().c_str(), 0, KEY_READ, &opened), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, root.Path().c_str(), 0, KEY_READ, &opened), ERROR_SUCCESS);
     UniqueRegKey readOnly(opened);
     TempFolder folder("value-walk");
     ScopedEnvironment variable(kVariable, folder.File("registration.log").c_str());
@@ -378,7 +378,7 @@ TEST(ServerRegistration, FailedValueIsLoggedAndTheWalkGoesOn) {
 TEST(ServerRegistration, DisabledLogRecordsNoValueFailure) {
     PrivateKey root("value-walk-quiet");
     HKEY opened = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, root.path().c_str(), 0, KEY_READ, &opened), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, root.Path().c_str(), 0, KEY_READ, &opened), ERROR_SUCCESS);
     UniqueRegKey readOnly(opened);
     SetEnvironmentVariableA(kVariable, nullptr);
     RegistrationLog log;

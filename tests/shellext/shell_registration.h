@@ -22,7 +22,7 @@ inline std::string DefaultValue(const std::string& key) { return ReadValue(HKEY_
 // until the process ends, so a copy could not be deleted afterwards.
 inline std::string BuiltDll() {
     char full[MAX_PATH + 1] = {};
-    GetFullPathNameA(DllPath().c_str(), sizeof(full), full, nullptr);
+    GetFullPathNameA(BuiltDllPath().c_str(), sizeof(full), full, nullptr);
     return full;
 }
 

@@ -10,15 +10,13 @@
 #include <vector>
 
 #include "common/win_handles.h"
+#include "tests/support/build_paths.h"
 #include "tests/support/test_icons.h"
 #include "tests/registration/registry_test_support.h"
 #include "tests/support/wide_text.h"
 
 namespace test_support {
 
-// Paths from the build, in the form Wine maps to the host's file system.
-inline std::string DllPath() { return VQC_DLL_PATH; }
-inline std::string FixturePath(const std::string& name) { return std::string(VQC_FIXTURE_DIR) + "/" + name + ".dll"; }
 
 inline bool CopyInto(const std::string& from, const std::string& to) {
     return CopyFileA(from.c_str(), to.c_str(), FALSE) != FALSE;

@@ -27,7 +27,7 @@ public:
     ~ListHost() { DestroyWindow(parent_); }
     ListHost(const ListHost&) = delete;
     ListHost& operator=(const ListHost&) = delete;
-    HWND list() const { return list_; }
+    HWND List() const { return list_; }
 
 private:
     HWND parent_ = nullptr;
@@ -38,23 +38,23 @@ private:
 
 TEST(IconListBox, ItemsCarryTheIconsAsData) {
     ListHost host;
-    ASSERT_NE(host.list(), nullptr);
-    IconListBox list(host.list());
+    ASSERT_NE(host.List(), nullptr);
+    IconListBox list(host.List());
     UniqueIcon a(MakeTestIcon(32, 4)), b(MakeTestIcon(32, 8));
     const HICON ha = a.Get(), hb = b.Get();
     EXPECT_TRUE(list.Add(std::move(a)));
     EXPECT_TRUE(list.Add(std::move(b)));
     EXPECT_EQ(list.Count(), 2);
-    EXPECT_EQ(SendMessageA(host.list(), LB_GETCOUNT, 0, 0), 2);
+    EXPECT_EQ(SendMessageA(host.List(), LB_GETCOUNT, 0, 0), 2);
     EXPECT_EQ(list.IconAt(0), ha);
     EXPECT_EQ(list.IconAt(1), hb);
-    EXPECT_EQ(SendMessageA(host.list(), LB_GETITEMDATA, 1, 0), reinterpret_cast<LRESULT>(hb));
+    EXPECT_EQ(SendMessageA(host.List(), LB_GETITEMDATA, 1, 0), reinterpret_cast<LRESULT>(hb));
     list.Clear();
 }
 
 TEST(IconListBox, MissingItemHasNoIcon) {
     ListHost host;
-    IconListBox list(host.list());
+    IconListBox list(host.List());
     EXPECT_EQ(list.IconAt(0), nullptr);
     EXPECT_EQ(list.IconAt(-1), nullptr);
     EXPECT_TRUE(list.Add(UniqueIcon(MakeTestIcon(16, 4))));
@@ -64,7 +64,7 @@ TEST(IconListBox, MissingItemHasNoIcon) {
 
 TEST(IconListBox, ClearDestroysEveryIconAndEmptiesTheList) {
     ListHost host;
-    IconListBox list(host.list());
+    IconListBox list(host.List());
     HICON icons[3];
     for (HICON& icon : icons) {
         UniqueIcon made(MakeTestIcon(32, 4));
@@ -79,25 +79,25 @@ TEST(IconListBox, ClearDestroysEveryIconAndEmptiesTheList) {
 
 TEST(IconListBox, ClearOfAnEmptyListDoesNothing) {
     ListHost host;
-    IconListBox list(host.list());
+    IconListBox list(host.List());
     list.Clear();
     EXPECT_EQ(list.Count(), 0);
 }
 
 TEST(IconListBox, ClearLeavesRedrawingOn) {
     ListHost host;
-    IconListBox list(host.list());
+    IconListBox list(host.List());
     ASSERT_TRUE(list.Add(UniqueIcon(MakeTestIcon(32, 4))));
-    ShowWindow(GetParent(host.list()), SW_SHOWNA);
-    ShowWindow(host.list(), SW_SHOWNA);
+    ShowWindow(GetParent(host.List()), SW_SHOWNA);
+    ShowWindow(host.List(), SW_SHOWNA);
     list.Clear();
     // WM_SETREDRAW FALSE takes WS_VISIBLE away; TRUE gives it back.
-    EXPECT_TRUE(GetWindowLongA(host.list(), GWL_STYLE) & WS_VISIBLE);
+    EXPECT_TRUE(GetWindowLongA(host.List(), GWL_STYLE) & WS_VISIBLE);
 }
 
 TEST(IconListBox, NullIconIsListedAsAnItemWithoutIcon) {
     ListHost host;
-    IconListBox list(host.list());
+    IconListBox list(host.List());
     EXPECT_TRUE(list.Add(UniqueIcon()));
     EXPECT_EQ(list.Count(), 1);
     EXPECT_EQ(list.IconAt(0), nullptr);
@@ -118,8 +118,8 @@ TEST(IconListBox, WithoutAListTheIconIsRefusedAndDestroyed) {
 TEST(IconListBox, ListWindowThatIsGoneRefusesTheIconAndDestroysIt) {
     // A destroyed window answers 0 to every message, which would read as "added at 0".
     ListHost host;
-    IconListBox box(host.list());
-    DestroyWindow(host.list());
+    IconListBox box(host.List());
+    DestroyWindow(host.List());
     UniqueIcon icon(MakeTestIcon(32, 4));
     const HICON handle = icon.Get();
     EXPECT_FALSE(box.Add(std::move(icon)));
