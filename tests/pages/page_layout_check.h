@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "pages/connection_page.h"
+#include "pages/option_page.h"
+#include "pages/proxy_page.h"
 #include "resources/dialog_template.h"
 #include "ui/resize_layout.h"
 
@@ -114,6 +117,23 @@ inline void ExpectLaidOutByItsMap(HWND page, int templateIndex, const ResizeMapE
             EXPECT_LE(on.rect.bottom, client.bottom) << control << " ends below the page";
         }
     }
+}
+
+// Our three pages as a sheet shows them after one page of another's (the shell's General
+// page, or a test's own): their positions, templates and maps.
+struct OurPage {
+    int index;
+    int templateIndex;
+    const ResizeMapEntry* map;
+    const char* name;
+};
+
+inline std::vector<OurPage> OurPagesAfterOneOther() {
+    return {
+        {1, CVQCConnectionPage::kTemplateIndex, CVQCConnectionPage::ResizeMap(), "Connection"},
+        {2, CVQCProxyPage::kTemplateIndex, CVQCProxyPage::ResizeMap(), "Proxy"},
+        {3, CVQCOptionPage::kTemplateIndex, CVQCOptionPage::ResizeMap(), "Options"},
+    };
 }
 
 }  // namespace page_test

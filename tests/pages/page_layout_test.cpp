@@ -59,18 +59,7 @@ TEST(PageLayout, ALargerFirstPageMakesEveryPageOfOursFollowItsMap) {
     ASSERT_NE(sheet.Add<CVQCProxyPage>(record.Get(), "Proxy"), nullptr);
     ASSERT_NE(sheet.Add<CVQCOptionPage>(record.Get(), "Options"), nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    struct OurPage {
-        int index;
-        int templateIndex;
-        const ResizeMapEntry* map;
-        const char* name;
-    };
-    const OurPage pages[] = {
-        {1, CVQCConnectionPage::kTemplateIndex, CVQCConnectionPage::ResizeMap(), "Connection"},
-        {2, CVQCProxyPage::kTemplateIndex, CVQCProxyPage::ResizeMap(), "Proxy"},
-        {3, CVQCOptionPage::kTemplateIndex, CVQCOptionPage::ResizeMap(), "Options"},
-    };
-    for (const OurPage& page : pages) {
+    for (const OurPage& page : OurPagesAfterOneOther()) {
         ShowPage(sheet.Sheet(), page.index);
         const HWND window = PageWindow(sheet.Sheet(), page.index);
         ASSERT_NE(window, nullptr) << page.name;

@@ -40,18 +40,7 @@ TEST_F(ShellLayout, EveryPageOfOursFollowsItsMapInsideTheShellsSheet) {
     const HWND sheet = road.WaitForSheet(kSheetWait);
     ASSERT_NE(sheet, nullptr) << "verb result " << std::hex << road.Result();
     // The shell's General page first, then ours.
-    struct OurPage {
-        int index;
-        int templateIndex;
-        const ResizeMapEntry* map;
-        const char* name;
-    };
-    const OurPage pages[] = {
-        {1, CVQCConnectionPage::kTemplateIndex, CVQCConnectionPage::ResizeMap(), "Connection"},
-        {2, CVQCProxyPage::kTemplateIndex, CVQCProxyPage::ResizeMap(), "Proxy"},
-        {3, CVQCOptionPage::kTemplateIndex, CVQCOptionPage::ResizeMap(), "Options"},
-    };
-    for (const OurPage& page : pages) {
+    for (const page_test::OurPage& page : page_test::OurPagesAfterOneOther()) {
         const HWND window = ShowPageAt(sheet, page.index);
         ASSERT_NE(window, nullptr) << page.name;
         page_test::ExpectLaidOutByItsMap(window, page.templateIndex, page.map, page.name);
