@@ -134,7 +134,7 @@ public:
             out->width = GetSystemMetrics(SM_CXSMICON);
             out->height = GetSystemMetrics(SM_CYSMICON);
         }
-        out->handle = MakeIcon(bytes, size, out->width, out->height);
+        out->handle.Reset(MakeIcon(bytes, size, out->width, out->height));
         if (out->handle && keepImages_) out->image.assign(bytes, bytes + size);
     }
 
@@ -175,8 +175,8 @@ std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut) 
     DecodedIcon icon, smallIcon;
     const std::int32_t result =
         Decode(text, iconOut ? &icon : nullptr, smallIconOut ? &smallIcon : nullptr, false);
-    if (iconOut) *iconOut = icon.handle;
-    if (smallIconOut) *smallIconOut = smallIcon.handle;
+    if (iconOut) *iconOut = icon.handle.Detach();
+    if (smallIconOut) *smallIconOut = smallIcon.handle.Detach();
     return result;
 }
 

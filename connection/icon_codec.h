@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/win_handles.h"
+
 // With out null only measures; otherwise writes the text at *out (no terminator) and
 // advances *out past it. Returns the number of characters, line breaks included, plus
 // one. icon must be set; smallIcon may be null and then gives a one-image stream. Returns
@@ -24,7 +26,7 @@ std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut);
 // An icon the decoder made, with the image block it was made from and the size it was
 // asked for (0 by 0: the image's own size). The icon is the caller's.
 struct DecodedIcon {
-    HICON handle = nullptr;
+    UniqueIcon handle;
     std::vector<std::uint8_t> image;
     int width = 0;
     int height = 0;

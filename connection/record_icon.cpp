@@ -13,7 +13,7 @@ HICON RecordIcon::Detach() noexcept {
 }
 
 void RecordIcon::ResetDecoded(DecodedIcon&& decoded) noexcept {
-    handle_.Reset(std::exchange(decoded.handle, nullptr));
+    handle_.Reset(decoded.handle.Detach());
     source_ = std::move(decoded);
     if (!handle_) source_ = DecodedIcon{};
 }

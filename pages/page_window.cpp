@@ -2,18 +2,19 @@
 
 #include <prsht.h>
 
-namespace {
-constexpr char kPageObjectProperty[] = "VqcPropertyPageObject";
-}  // namespace
-
-void BindPageObject(HWND window, void* object) noexcept { SetPropA(window, kPageObjectProperty, object); }
+// The dialog's own user slot: it exists in every dialog window, so storing the object there
+// cannot fail the way a window property can when the system is short of memory (a page
+// whose window could not find its object would take edits and never save them).
+void BindPageObject(HWND window, void* object) noexcept {
+    SetWindowLongPtrA(window, DWLP_USER, reinterpret_cast<LONG_PTR>(object));
+}
 
 void* BoundPageObject(HWND window) noexcept {
-    return window ? static_cast<void*>(GetPropA(window, kPageObjectProperty)) : nullptr;
+    return window ? reinterpret_cast<void*>(GetWindowLongPtrA(window, DWLP_USER)) : nullptr;
 }
 
 void UnbindPageObject(HWND window) noexcept {
-    if (window) RemovePropA(window, kPageObjectProperty);
+    if (window) SetWindowLongPtrA(window, DWLP_USER, 0);
 }
 
 INT_PTR AnswerDialogMessage(HWND dialog, UINT message, LRESULT result) noexcept {

@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
-// Ties a page window to its page object for the window's life (a window property), so the
-// page's dialog procedure finds the object. Unbinding leaves the window answering nothing.
+// Ties a page window to its page object for the window's life (the dialog's user slot), so
+// the page's dialog procedure finds the object. Unbinding leaves the window answering nothing.
 void BindPageObject(HWND window, void* object) noexcept;
 void* BoundPageObject(HWND window) noexcept;
 void UnbindPageObject(HWND window) noexcept;

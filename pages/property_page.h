@@ -48,6 +48,7 @@
 
 #include "common/ansi_text.h"
 #include "common/com_ptr.h"
+#include "common/hresult_error.h"
 #include "common/same_window.h"
 #include "common/window_boundary.h"
 #include "connection/vqc_file_info.h"
@@ -269,8 +270,15 @@ private:
     // to the user once: the sheet asks no further page after a page refuses the Apply.
     LRESULT ApplyRecord() {
         if (!m_record) return PSNRET_INVALID_NOCHANGEPAGE;
-        if (m_record->Write(m_record->filePath.c_str()) != 0) {
-            ReportSaveFailure(GetParent(m_window), m_record->filePath, m_record->lastError);
+        DWORD error = ERROR_SUCCESS;
+        try {
+            if (m_record->Write(m_record->filePath.c_str()) != 0) error = m_record->lastError;
+        } catch (const HResultError& failure) {
+            // No memory for the file's text: as much a failed save as a full disk.
+            error = static_cast<DWORD>(failure.code());
+        }
+        if (error != ERROR_SUCCESS) {
+            ReportSaveFailure(GetParent(m_window), m_record->filePath, error);
             return PSNRET_INVALID_NOCHANGEPAGE;
         }
         SendMessageA(GetParent(m_window), PSM_UNCHANGED, WPARAM(m_window), 0);

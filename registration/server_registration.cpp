@@ -39,7 +39,9 @@ LONG WriteRegistryRows(HKEY root, const std::vector<RegistryRow>& rows, Registra
                 if (log.IsEnabled()) log.LogKeyCreateFailure(target, row.keyName.c_str(), lastError);
                 return result;
             }
-            keys[row.number].Reset(created);
+            // Owned before the map's node is made: a node that cannot be had closes the key.
+            UniqueRegKey owned(created);
+            keys[row.number] = std::move(owned);
             target = created;
         }
         if (row.hasValue) {
@@ -59,15 +61,17 @@ void NotifyShellOfAssociationChange() { SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF
 
 using RegDeleteKeyExAFunction = LONG(WINAPI*)(HKEY, LPCSTR, REGSAM, DWORD);
 
-RegDeleteKeyExAFunction FindRegDeleteKeyExA() {
-    static const RegDeleteKeyExAFunction function = []() -> RegDeleteKeyExAFunction {
-        HMODULE advapi = GetModuleHandleA("Advapi32.dll");
-        if (!advapi) return nullptr;
-        return reinterpret_cast<RegDeleteKeyExAFunction>(
-            reinterpret_cast<void*>(GetProcAddress(advapi, "RegDeleteKeyExA")));
-    }();
-    return function;
+RegDeleteKeyExAFunction LookUpRegDeleteKeyExA() {
+    HMODULE advapi = GetModuleHandleA("Advapi32.dll");
+    if (!advapi) return nullptr;
+    return reinterpret_cast<RegDeleteKeyExAFunction>(reinterpret_cast<void*>(GetProcAddress(advapi, "RegDeleteKeyExA")));
 }
+
+// Looked up once, when the module starts: a function-local static would need the
+// runtime's guard (and the memory it takes) on its first use.
+const RegDeleteKeyExAFunction kRegDeleteKeyExA = LookUpRegDeleteKeyExA();
+
+RegDeleteKeyExAFunction FindRegDeleteKeyExA() { return kRegDeleteKeyExA; }
 
 }  // namespace
 

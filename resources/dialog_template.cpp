@@ -16,12 +16,29 @@ std::wstring DefaultGuiFontFace() {
     return face;
 }
 
+namespace {
+
+// The face a template of `desc` names: the system's GUI font, when the table asks for one.
+std::wstring FaceFor(const DialogDesc& desc) {
+    return desc.faceName != nullptr ? DefaultGuiFontFace() : std::wstring();
+}
+
+std::size_t BuildWithFace(const DialogDesc& desc, void* buffer, std::uint32_t pointSize,
+                          const std::wstring& face) noexcept {
+    try {
+        const std::u16string_view face16(reinterpret_cast<const char16_t*>(face.c_str()), face.size());
+        return WriteDialogTemplate(desc, buffer, GetUILanguageIndex(), pointSize, face16);
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+}
+
+}  // namespace
+
 std::size_t BuildDialogTemplate(const DialogDesc* desc, void* buffer, std::uint32_t pointSize) noexcept {
     if (desc == nullptr) return 0;
     try {
-        const std::wstring face = desc->faceName != nullptr ? DefaultGuiFontFace() : std::wstring();
-        const std::u16string_view face16(reinterpret_cast<const char16_t*>(face.c_str()), face.size());
-        return WriteDialogTemplate(*desc, buffer, GetUILanguageIndex(), pointSize, face16);
+        return BuildWithFace(*desc, buffer, pointSize, FaceFor(*desc));
     } catch (const std::bad_alloc&) {
         return 0;
     }
@@ -32,20 +49,28 @@ INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC di
                           unsigned flags) noexcept {
     const DialogDesc* desc = FindDialogDesc(index);
     if (desc == nullptr) return 0;
-    const std::size_t size = BuildDialogTemplate(desc, nullptr, 0);
+    // One face for the size and the bytes: a face found for one and not the other would
+    // write more than was measured.
+    std::wstring face;
+    try {
+        face = FaceFor(*desc);
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+    const std::size_t size = BuildWithFace(*desc, nullptr, 0, face);
     if (size == 0) return 0;
     const std::uint32_t buildPointSize = (flags & kUsePointSize) != 0 ? pointSize : 0;
 
     if ((flags & kIntoCallerBuffer) != 0) {
         if (inOut == nullptr || *inOut == nullptr) return 0;
-        BuildDialogTemplate(desc, *inOut, buildPointSize);
+        BuildWithFace(*desc, *inOut, buildPointSize, face);
         return 0;
     }
     if ((flags & kAllocTemplate) != 0) {
         if (inOut == nullptr) return 0;
         void* block = std::malloc(size);
         if (block == nullptr) return 0;
-        BuildDialogTemplate(desc, block, buildPointSize);
+        BuildWithFace(*desc, block, buildPointSize, face);
         *inOut = block;
         return 0;
     }
@@ -57,7 +82,7 @@ INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC di
     } catch (const std::bad_alloc&) {
         return 0;
     }
-    BuildDialogTemplate(desc, scratch.data(), buildPointSize);
+    BuildWithFace(*desc, scratch.data(), buildPointSize, face);
     const auto* dialogTemplate = reinterpret_cast<const DLGTEMPLATE*>(scratch.data());
     if ((flags & kModal) != 0)
         return DialogBoxIndirectParamA(instance, dialogTemplate, parent, dialogProc, initParam);

@@ -1,5 +1,6 @@
 #include "shellext/server_registration_steps.h"
 
+#include "common/com_boundary.h"
 #include "registration/server_registration.h"
 
 namespace {
@@ -17,12 +18,14 @@ HRESULT UnderSystemLocale(Loop&& loop) {
 }  // namespace
 
 HRESULT RegisterServer(VqcPropModule& module, RegistrationLog& log) {
-    HRESULT result = RegisterServerEntries(log, module.instance);
+    // Memory that runs out on the way fails registration like a key that cannot be made:
+    // the entries written so far are taken away again.
+    HRESULT result = GuardComCall([&] { return RegisterServerEntries(log, module.instance); });
     if (FAILED(result)) {
         UnregisterServerEntries(module.instance);
         return result;
     }
-    result = UnderSystemLocale([&] { return module.RegisterClassObjects(); });
+    result = UnderSystemLocale([&] { return GuardComCall([&] { return module.RegisterClassObjects(); }); });
     if (FAILED(result)) {
         module.UnregisterClassObjects();
         UnregisterServerEntries(module.instance);
@@ -33,6 +36,6 @@ HRESULT RegisterServer(VqcPropModule& module, RegistrationLog& log) {
 
 HRESULT UnregisterServer(VqcPropModule& module) {
     UnregisterServerEntries(module.instance);
-    const HRESULT result = UnderSystemLocale([&] { return module.UnregisterClassObjects(); });
+    const HRESULT result = UnderSystemLocale([&] { return GuardComCall([&] { return module.UnregisterClassObjects(); }); });
     return FAILED(result) ? result : S_OK;
 }

@@ -219,7 +219,9 @@ STDMETHODIMP VQCProp::GetIconLocation(UINT, PSTR iconFile, UINT maxChars, int* i
             if (iconFile) lstrcpynA(iconFile, fileName_.c_str(), static_cast<int>(maxChars));
             answerFlags |= GIL_NOTFILENAME | GIL_DONTCACHE;
         } else if (iconFile) {
-            // The DLL's first icon group, index 0.
+            // The DLL's first icon group, index 0; an empty name when the system cannot give
+            // it, never what the buffer held before.
+            if (maxChars > 0) iconFile[0] = '\0';
             GetModuleFileNameA(TheModule().instance, iconFile, maxChars);
         }
         if (outFlags) *outFlags = answerFlags;
@@ -232,7 +234,9 @@ STDMETHODIMP VQCProp::Extract(PCSTR, UINT, HICON* largeIcon, HICON* smallIcon, U
         if (!fileRecord_) return S_FALSE;  // the shell extracts the icon itself
         if (fileRecord_->smallIcon && smallIcon) *smallIcon = fileRecord_->smallIcon.Copy();
         if (!fileRecord_->icon) return S_FALSE;
-        if (largeIcon) *largeIcon = fileRecord_->icon.Copy();
-        return S_OK;
+        if (!largeIcon) return S_OK;
+        // A copy the system could not make leaves the icon to the shell, as no icon does.
+        *largeIcon = fileRecord_->icon.Copy();
+        return *largeIcon ? S_OK : S_FALSE;
     });
 }

@@ -34,7 +34,7 @@ void ExpectSamePixels(HICON copy, HICON original) {
 TEST(DecodeIconImages, KeepsEachImageBlockWithTheSizeItWasMadeAt) {
     DecodedIcon large, small;
     DecodeTwo(8, &large, &small);
-    const UniqueIcon largeOwner(large.handle), smallOwner(small.handle);
+    const UniqueIcon largeOwner(large.handle.Detach()), smallOwner(small.handle.Detach());
     EXPECT_EQ(large.image, MakeTestIconImage(32, 8).dib);
     EXPECT_EQ(small.image, MakeTestIconImage(16, 8, 2).dib);
     EXPECT_EQ(large.width, 0);
@@ -49,7 +49,7 @@ TEST(DecodeIconImages, AnImageThatMakesNoIconKeepsNoBlock) {
     DecodedIcon large;
     large.image = {1, 2, 3};
     EXPECT_EQ(DecodeIconImages(HexTextOf(stream).c_str(), &large, nullptr), 1);
-    EXPECT_EQ(large.handle, nullptr);
+    EXPECT_EQ(large.handle.Get(), nullptr);
     EXPECT_TRUE(large.image.empty());
 }
 
@@ -75,7 +75,7 @@ TEST(RecordIcon, CopyOfADecodedIconIsANewIconWithTheSamePixels) {
 TEST(RecordIcon, CopyOutlivesTheRecordsIcon) {
     DecodedIcon large, small;
     DecodeTwo(4, &large, &small);
-    const UniqueIcon smallOwner(small.handle);
+    const UniqueIcon smallOwner(small.handle.Detach());
     RecordIcon icon;
     icon.ResetDecoded(std::move(large));
     const Pixels before = PixelsOf(icon.Get());
@@ -90,7 +90,7 @@ TEST(RecordIcon, CopyOutlivesTheRecordsIcon) {
 TEST(RecordIcon, AnIconFromElsewhereIsCopiedAsItIsNotAsTheImageItReplaced) {
     DecodedIcon large, small;
     DecodeTwo(4, &large, &small);
-    const UniqueIcon smallOwner(small.handle);
+    const UniqueIcon smallOwner(small.handle.Detach());
     RecordIcon icon;
     icon.ResetDecoded(std::move(large));
     // The Options page puts an icon of the user's choice in: a copy must show that one.
@@ -105,7 +105,7 @@ TEST(RecordIcon, AnIconFromElsewhereIsCopiedAsItIsNotAsTheImageItReplaced) {
 TEST(RecordIcon, ReleaseHandsTheIconOverAndForgetsTheImage) {
     DecodedIcon large, small;
     DecodeTwo(4, &large, &small);
-    const UniqueIcon smallOwner(small.handle);
+    const UniqueIcon smallOwner(small.handle.Detach());
     RecordIcon icon;
     icon.ResetDecoded(std::move(large));
     const HICON held = icon.Get();

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 
@@ -22,6 +23,9 @@ public:
     ~FileDialogDriver() { Finish(); }
     FileDialogDriver(const FileDialogDriver&) = delete;
     FileDialogDriver& operator=(const FileDialogDriver&) = delete;
+
+    // Gives up waiting for a dialog that will not come (the page could not open it).
+    void Stop() { stop_ = true; }
 
     // Waits until the driver has acted or given up.
     void Finish() {
@@ -56,7 +60,7 @@ private:
 
     void Run(DWORD timeoutMs) {
         const DWORD start = GetTickCount();
-        while (!dialog_ && GetTickCount() - start < timeoutMs) {
+        while (!dialog_ && !stop_ && GetTickCount() - start < timeoutMs) {
             EnumThreadWindows(uiThread_, Find, reinterpret_cast<LPARAM>(this));
             if (!dialog_) Sleep(20);
         }
@@ -83,6 +87,7 @@ private:
     std::string title_;
     std::string fileName_;
     std::string fileType_;
+    std::atomic<bool> stop_{false};
     std::thread worker_;
 };
 

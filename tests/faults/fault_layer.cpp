@@ -1,0 +1,269 @@
+#include "tests/faults/fault_layer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <cstdio>
+#include <map>
+#include <mutex>
+#include <set>
+#include <tuple>
+
+#include "tests/faults/fault_layer_state.h"
+
+namespace faults {
+namespace {
+
+struct LayerState {
+    std::mutex lock;
+    std::uintptr_t moduleBase = 0;
+    std::size_t moduleSize = 0;
+    std::uint64_t calls = 0;
+    std::uint64_t armedAt = 0;
+    bool fired = false;
+    CallSite firedCall;
+    bool tracing = false;
+    int paused = 0;
+    std::vector<CallSite> trace;
+    std::map<const void*, ObjectKind> live;
+    std::map<const void*, CallSite> madeAt;
+    std::set<std::pair<const void*, ObjectKind>> destroyed;
+    std::vector<std::string> problems;
+};
+
+LayerState& State() {
+    static LayerState state;
+    return state;
+}
+
+std::string Hex(std::uintptr_t value) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(value));
+    return text;
+}
+
+// The innermost return addresses on the stack that lie in the module, as offsets.
+std::array<std::uintptr_t, kSiteDepth> ModulePath(const LayerState& state, ULONG skip) {
+    std::array<std::uintptr_t, kSiteDepth> path{};
+    void* frames[16] = {};
+    const USHORT count = RtlCaptureStackBackTrace(skip + 1, 16, frames, nullptr);
+    std::size_t depth = 0;
+    for (USHORT i = 0; i < count && depth < kSiteDepth; ++i) {
+        const auto address = reinterpret_cast<std::uintptr_t>(frames[i]);
+        if (address < state.moduleBase || address - state.moduleBase >= state.moduleSize) continue;
+        path[depth++] = address - state.moduleBase;
+    }
+    return path;
+}
+
+}  // namespace
+
+const char* KindName(ObjectKind kind) {
+    static constexpr const char* kNames[kObjectKindCount] = {
+        "Icon", "Bitmap", "DeviceContext", "File", "Mapping", "View", "RegistryKey", "HeapBlock", "LocalBlock"};
+    return kNames[static_cast<std::size_t>(kind)];
+}
+
+bool CallSite::operator<(const CallSite& other) const {
+    const int byName = std::strcmp(function, other.function);
+    return path < other.path || (path == other.path && byName < 0);
+}
+bool CallSite::operator==(const CallSite& other) const {
+    return path == other.path && std::strcmp(function, other.function) == 0;
+}
+
+std::string Describe(const CallSite& site) {
+    std::string text = std::string(site.function) + " at";
+    for (std::size_t i = 0; i < kSiteDepth && site.path[i]; ++i) text += (i ? " < +" : " +") + Hex(site.path[i]);
+    return text;
+}
+
+Balance LiveObjects() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    Balance live{};
+    for (const auto& [object, kind] : state.live) ++live[static_cast<std::size_t>(kind)];
+    return live;
+}
+
+std::string DescribeLive(const Balance& live) {
+    std::string text;
+    for (std::size_t kind = 0; kind < kObjectKindCount; ++kind) {
+        if (live[kind] == 0) continue;
+        if (!text.empty()) text += ", ";
+        text += std::string(KindName(static_cast<ObjectKind>(kind))) + " " + std::to_string(live[kind]);
+    }
+    return text;
+}
+
+std::vector<LiveObject> LiveObjectList() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    std::vector<LiveObject> objects;
+    for (const auto& [object, kind] : state.live) {
+        const auto made = state.madeAt.find(object);
+        objects.push_back({kind, made == state.madeAt.end() ? CallSite{KindName(kind), {}} : made->second});
+    }
+    return objects;
+}
+
+std::vector<std::string> BookProblems() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    return state.problems;
+}
+
+void HandedOut(ObjectKind kind, const void* object) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    const auto found = state.live.find(object);
+    if (found == state.live.end() || found->second != kind) {
+        state.problems.push_back(std::string("handed out a ") + KindName(kind) + " the books do not hold: " +
+                                 Hex(reinterpret_cast<std::uintptr_t>(object)));
+        return;
+    }
+    state.live.erase(found);
+}
+
+std::uint64_t CallCount() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    return state.calls;
+}
+
+void RecordTrace(bool on) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.tracing = on;
+    state.trace.clear();
+}
+
+const std::vector<CallSite>& Trace() { return State().trace; }
+
+void ForgetLiveObjects() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.live.clear();
+    state.madeAt.clear();
+}
+
+void BeginCounting(std::uint64_t armAt, bool trace) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.calls = 0;
+    state.tracing = trace;
+    state.trace.clear();
+    state.armedAt = armAt;
+    state.fired = false;
+    state.firedCall = CallSite{};
+}
+
+void ArmAt(std::uint64_t k) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.armedAt = k;
+    if (k == 0) return;
+    state.fired = false;
+    state.firedCall = CallSite{};
+}
+
+PausedCounting::PausedCounting() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    ++state.paused;
+}
+
+PausedCounting::~PausedCounting() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    --state.paused;
+}
+
+bool Fired() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    return state.fired;
+}
+
+CallSite FiredCall() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    return state.firedCall;
+}
+
+namespace detail {
+
+void SetModuleRange(std::uintptr_t base, std::size_t size) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.moduleBase = base;
+    state.moduleSize = size;
+    state.calls = 0;
+    state.armedAt = 0;
+    state.fired = false;
+    state.paused = 0;
+    state.trace.clear();
+    state.live.clear();
+    state.madeAt.clear();
+    state.destroyed.clear();
+    state.problems.clear();
+}
+
+bool ShouldFail(const char* function, const void* returnAddress) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    if (state.paused > 0) return false;
+    CallSite site{function, {}};
+    site.path[0] = reinterpret_cast<std::uintptr_t>(returnAddress) - state.moduleBase;
+    if (state.tracing || state.calls + 1 == state.armedAt) site.path = ModulePath(state, 1);
+    ++state.calls;
+    if (state.tracing) state.trace.push_back(site);
+    if (state.armedAt == 0 || state.calls != state.armedAt) return false;
+    state.fired = true;
+    state.firedCall = site;
+    return true;
+}
+
+void Created(ObjectKind kind, const void* object) {
+    if (!object) return;
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.destroyed.erase({object, kind});
+    state.madeAt[object] = CallSite{KindName(kind), ModulePath(state, 1)};
+    const auto [where, fresh] = state.live.emplace(object, kind);
+    if (!fresh) {
+        state.problems.push_back(std::string("the system handed out a live ") + KindName(where->second) +
+                                 " again as a " + KindName(kind) + ": " + Hex(reinterpret_cast<std::uintptr_t>(object)));
+        where->second = kind;
+    }
+}
+
+void Reissued(const void* object) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    for (std::size_t kind = 0; kind < kObjectKindCount; ++kind)
+        state.destroyed.erase({object, static_cast<ObjectKind>(kind)});
+}
+
+void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object) {
+    if (!object) return;
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    const auto found = state.live.find(object);
+    if (found == state.live.end()) {
+        for (const ObjectKind kind : kinds) {
+            if (state.destroyed.count({object, kind}))
+                state.problems.push_back(std::string(KindName(kind)) + " destroyed twice: " +
+                                         Hex(reinterpret_cast<std::uintptr_t>(object)));
+        }
+        return;
+    }
+    if (std::find(kinds.begin(), kinds.end(), found->second) == kinds.end()) {
+        state.problems.push_back(std::string("a ") + KindName(found->second) + " destroyed as another kind: " +
+                                 Hex(reinterpret_cast<std::uintptr_t>(object)));
+    }
+    state.destroyed.insert({object, found->second});
+    state.live.erase(found);
+}
+
+}  // namespace detail
+}  // namespace faults
