@@ -13,6 +13,7 @@
 #include "connection/icon_stream.h"
 #include "connection/option_line.h"
 #include "connection/option_walk.h"
+#include "not_fuzzed.h"
 
 namespace {
 
@@ -24,11 +25,9 @@ struct Checked : IconImageSink {
     }
 };
 
-// The harness's own models and the splitting below are not instrumented: their branches
-// would only add coverage features and a callback per compared byte to every run, and the
-// code under test carries its own. Their buffers live for the whole process, so a run
-// allocates nothing of its own beyond what the code under test does.
-#define VQC_NOT_FUZZED __attribute__((noinline, no_sanitize("coverage")))
+// The harness's own models and the splitting below are not instrumented (VQC_NOT_FUZZED)
+// and their buffers live for the whole process, so a run allocates nothing of its own
+// beyond what the code under test does.
 
 // The joining rule byte by byte, as plainly as it can be said, to hold the fast version to:
 // true when joined is text with the rule applied.

@@ -9,6 +9,7 @@
 #include "connection/argument_text.h"
 #include "connection/option_line.h"
 #include "connection/option_walk.h"
+#include "not_fuzzed.h"
 
 namespace record_chain {
 
@@ -20,13 +21,13 @@ constexpr const char* kProgramPath = "C:\\Windows\\explorer.exe";
 // The writer escapes nothing, so a value holding a double quote does not survive, nor does
 // one that is quoted (it holds a blank) and ends in a backslash, which then escapes the
 // closing quote.
-bool WriterCanCarry(const std::string& value) {
+VQC_NOT_FUZZED bool WriterCanCarry(const std::string& value) {
     if (value.find('"') != std::string::npos) return false;
     const bool quoted = value.find_first_of(" \t") != std::string::npos;
     return !(quoted && value.back() == '\\');
 }
 
-bool WriterCanCarryEveryValue(const ConnectionSettings& r) {
+VQC_NOT_FUZZED bool WriterCanCarryEveryValue(const ConnectionSettings& r) {
     // -d takes no argument, so the local target after it is met as a bare argument: one
     // that starts with '-' (a trimmed " -x") is taken for an option.
     if (r.localConnect && !r.optionK && !r.localTarget.empty() && r.localTarget[0] == '-') return false;
@@ -47,7 +48,7 @@ bool WriterCanCarryEveryValue(const ConnectionSettings& r) {
 }
 
 // The -C text as the reader gives it back: its elements joined by single blanks.
-std::string RejoinedCommandLine(const std::string& written, const std::string& commandLine) {
+VQC_NOT_FUZZED std::string RejoinedCommandLine(const std::string& written, const std::string& commandLine) {
     if (commandLine.empty()) return commandLine;
     const std::string tail = written.substr(written.size() - commandLine.size());
     const std::vector<std::string> elements =
@@ -64,7 +65,7 @@ std::string RejoinedCommandLine(const std::string& written, const std::string& c
 // - the broker letter comes back from the second character of the broker text;
 // - -l is not written for clients before 620 nor for 640, so encrypt comes back clear, and
 //   a -V the writer left out as the default comes back as not given.
-ConnectionSettings AsReadBack(const ConnectionSettings& written, const std::string& text) {
+VQC_NOT_FUZZED ConnectionSettings AsReadBack(const ConnectionSettings& written, const std::string& text) {
     ConnectionSettings expected = written;
     expected.commandLine = RejoinedCommandLine(text, written.commandLine);
     expected.host = ansi_text::Trimmed(written.host);
