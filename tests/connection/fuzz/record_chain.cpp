@@ -41,8 +41,14 @@ VQC_NOT_FUZZED bool WriterCanCarryEveryValue(const ConnectionSettings& r) {
     if (has(r.brokerHost, "@:") || has(r.proxyHost, ":") || has(r.proxyUser, "@:") ||
         (r.proxyUser.empty() && has(r.proxyHost, "@")))
         return false;
+    // The route texts as the writer puts them together: user, host and port are one value.
+    std::string proxy = r.proxyUser.empty() ? r.proxyHost : r.proxyUser + "@" + r.proxyHost;
+    if (r.proxyPort != kDefaultProxyPort) proxy += ":" + std::to_string(r.proxyPort);
+    std::string broker = r.brokerHost;
+    if (r.brokerPort != kDefaultBrokerPort) broker += ":" + std::to_string(r.brokerPort);
     for (const std::string* value : {&r.host, &r.login, &r.serviceName, &r.answerBack, &r.startDirectory,
-                                     &r.localTarget, &r.proxyHost, &r.proxyUser, &r.brokerHost})
+                                     &r.localTarget, static_cast<const std::string*>(&proxy),
+                                     static_cast<const std::string*>(&broker)})
         if (!WriterCanCarry(*value)) return false;
     return true;
 }
