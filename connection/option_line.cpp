@@ -81,8 +81,10 @@ void EmitOption(std::string& out, char letter, const char* value, bool alwaysQuo
         return;
     }
     const std::size_t length = std::strlen(value);
+    // A tab separates arguments on reading as a blank does, so it is quoted the same way.
     const bool quote = !EnclosedInQuotes(value, length) &&
-                       (alwaysQuote || std::memchr(value, ' ', length) != nullptr);
+                       (alwaysQuote || std::memchr(value, ' ', length) != nullptr ||
+                        std::memchr(value, '\t', length) != nullptr);
     // Appended piecewise rather than through "%s": the icon text alone can be large.
     out.push_back('-');
     out.push_back(letter);

@@ -8,8 +8,8 @@
 #include "connection/connection_settings.h"
 
 // Appends "-x " without a value (value null) or "-x value " with one. The value is put in
-// double quotes when it is not already enclosed in them and it holds a blank or
-// alwaysQuote is set; quotes inside it are not escaped.
+// double quotes when it is not already enclosed in them and it holds a blank (a space or
+// a tab) or alwaysQuote is set; quotes inside it are not escaped.
 void EmitOption(std::string& out, char letter, const char* value, bool alwaysQuote);
 
 // The whole file text. iconHexText is the encoded icon pair (null when the record has

@@ -21,9 +21,10 @@ declare -A seeds=(
   [option_walk_fuzzer]=option_walk
   [split_address_fuzzer]=split_address
   [icon_stream_fuzzer]=icon_stream
+  [record_chain_fuzzer]=record_chain
 )
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(option_walk_fuzzer split_address_fuzzer icon_stream_fuzzer)
+[ ${#targets[@]} -gt 0 ] || targets=(option_walk_fuzzer split_address_fuzzer icon_stream_fuzzer record_chain_fuzzer)
 for target in "${targets[@]}"; do
   [ -n "${seeds[$target]:-}" ] || { echo "fuzz.sh: no fuzz target $target" >&2; exit 2; }
 done
@@ -35,6 +36,7 @@ if [ -z "${FUZZ_BIN:-}" ]; then
   build_native >/dev/null
   FUZZ_BIN="$BUILD_DIR/native/tests/connection"
 fi
+FUZZ_BIN=$(cd "$FUZZ_BIN" && pwd)  # the targets run from a folder of their own
 
 status=0
 printf '%-22s %8s %14s %12s %8s\n' target seconds inputs inputs/s crashes
@@ -47,7 +49,7 @@ for target in "${targets[@]}"; do
   (cd "$logs" && "$FUZZ_BIN/$target" -max_total_time="$seconds" -jobs="$JOBS" -workers="$JOBS" \
       -print_final_stats=1 -max_len=65536 -artifact_prefix="$findings/" \
       "$corpus" "$ROOT/tests/connection/fuzz/corpus/${seeds[$target]}" >"$logs/main.log" 2>&1) || true
-  inputs=$(cat "$logs"/fuzz-*.log 2>/dev/null |
+  inputs=$({ cat "$logs"/fuzz-*.log 2>/dev/null || true; } |
     sed -n 's/^stat::number_of_executed_units: *\([0-9]*\)$/\1/p' | awk '{sum += $1} END {print sum + 0}')
   crashes=$(find "$findings" -maxdepth 1 -type f \( -name 'crash-*' -o -name 'leak-*' -o -name 'timeout-*' -o -name 'oom-*' \) | wc -l)
   rate=$(( seconds > 0 ? inputs / seconds : 0 ))

@@ -1,6 +1,7 @@
 #include "connection/argument_vector.h"
 
 #include <cstring>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 
 #include "common/win_handles.h"
 #include "tests/connection/argument_vector_fixture.h"
+#include "tests/connection/fuzz/command_line_split.h"
 
 namespace {
 
@@ -87,6 +89,32 @@ TEST(ArgumentVector, SizedTextStillEndsAtItsFirstZeroByte) {
 TEST(ArgumentVector, SizedTextSplitsAsTheZeroEndedTextDoes) {
     const std::string text = "-h a\r\n-u \"b c\" -I 00\r\nFF -C x";
     EXPECT_EQ(SplitSizedText(text), WithoutProgram(SplitOptionText(text.c_str())));
+}
+
+// The fuzz targets run the reader's core natively with a copy of the system's splitting
+// rules (tests/connection/fuzz/command_line_split.h); here the copy meets the system on
+// chosen texts and on seeded random ones made of the bytes the rules care about.
+TEST(ArgumentVector, FuzzTargetsCopyOfTheSplittingRulesAgreesWithTheSystem) {
+    std::vector<std::string> texts = {
+        "-h a", "  -h   a  ", "a\tb", "\"a b\"", "\"a b", "a\"b\"c", "\"\"", "a \"\"", "\"",
+        "\\\"a", "\\\\\"a b\"", "a\\b", "a\\", "\"a\"\"b\"", "\"\"\"", "\"\"\"\"", "\"a\"\"\"b\"",
+        "-w 'a b' 'c'", "-u \"-w \"'x", "-h p\x97\xc5\x98\xdfl\tx", "-d \" -N \" -C \"a  b\"",
+    };
+    std::mt19937 random(7);
+    static constexpr char kBytes[] = {'a', 'b', ' ', '\t', '"', '"', '\\', '\\', '\'', '-', 'w',
+                                      '\r', '\n', '@', ':', '\xe9', '\x97'};
+    for (int i = 0; i < 400; ++i) {
+        std::string text;
+        for (int n = std::uniform_int_distribution<int>(1, 24)(random); n > 0; --n)
+            text.push_back(kBytes[std::uniform_int_distribution<std::size_t>(0, sizeof(kBytes) - 1)(random)]);
+        texts.push_back(text);
+    }
+    for (const std::string& text : texts) {
+        std::vector<std::string> copy = fuzz_split::SplitCommandLine(
+            argument_text::PrepareCommandLine("C:\\prog.exe", true, text));
+        copy.erase(copy.begin());
+        EXPECT_EQ(copy, SplitSizedText(text)) << "text [" << text << "]";
+    }
 }
 
 TEST(ArgumentVector, NullTextGivesOnlyTheProgramPath) {
