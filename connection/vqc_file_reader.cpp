@@ -1,5 +1,6 @@
 // VQCFileInfo::Read: maps the connection file, splits its text into arguments and lays
-// the options over the record's fields; the embedded icon is decoded last.
+// the options over the record's fields; the embedded icon is decoded last. ReadForIcon takes
+// the same road but converts and walks only the elements before -C.
 #include <deque>
 #include <new>
 #include <optional>
