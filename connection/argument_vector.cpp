@@ -25,22 +25,6 @@ DebuggerWaitHooks g_debuggerWait = RealDebuggerWaitHooks();
 using MultiByteToWideCharFn = decltype(&MultiByteToWideChar);
 using WideCharToMultiByteFn = decltype(&WideCharToMultiByte);
 
-// The two code-page conversions, looked up in kernel32.dll at run time.
-struct CodePageConverters {
-    UniqueModule kernel32{LoadLibraryExA("kernel32.dll", nullptr, 0)};
-    MultiByteToWideCharFn toWide = nullptr;
-    WideCharToMultiByteFn toAnsi = nullptr;
-
-    CodePageConverters() {
-        if (!kernel32) return;
-        toWide = reinterpret_cast<MultiByteToWideCharFn>(
-            reinterpret_cast<void*>(GetProcAddress(kernel32.Get(), "MultiByteToWideChar")));
-        toAnsi = reinterpret_cast<WideCharToMultiByteFn>(
-            reinterpret_cast<void*>(GetProcAddress(kernel32.Get(), "WideCharToMultiByte")));
-    }
-    bool ok() const { return toWide && toAnsi; }
-};
-
 std::string ProgramPath() {
     char path[261] = {};
     const DWORD length = GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof(path));
@@ -119,36 +103,75 @@ std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut
                                withProgramName, context, registrationCallback, callbackResultOut);
 }
 
+WideArguments::WideArguments(std::string_view text, bool withProgramName)
+    : kernel32_(LoadLibraryExA("kernel32.dll", nullptr, 0)) {
+    const std::string line = argument_text::PrepareCommandLine(
+        withProgramName ? ProgramPath() : std::string(), withProgramName, text);
+
+    // The two code-page conversions, looked up in kernel32.dll at run time.
+    if (!kernel32_) return;
+    const auto toWide = reinterpret_cast<MultiByteToWideCharFn>(
+        reinterpret_cast<void*>(GetProcAddress(kernel32_.Get(), "MultiByteToWideChar")));
+    toAnsi_ = reinterpret_cast<WideCharToMultiByteFn>(
+        reinterpret_cast<void*>(GetProcAddress(kernel32_.Get(), "WideCharToMultiByte")));
+    if (!toWide || !toAnsi_) return;
+
+    const int wideLength = toWide(CP_ACP, 0, line.c_str(), -1, nullptr, 0);
+    if (wideLength <= 0) return;
+    std::vector<wchar_t> wide(static_cast<std::size_t>(wideLength));
+    toWide(CP_ACP, 0, line.c_str(), -1, wide.data(), wideLength);
+
+    int argc = 0;
+    block_.Reset(reinterpret_cast<HLOCAL>(CommandLineToArgvW(wide.data(), &argc)));
+    if (!block_) return;
+    argv_ = reinterpret_cast<wchar_t**>(block_.Get());
+    argc_ = argc;
+}
+
+int WideArguments::NarrowSize(int index) const noexcept {
+    const int size = toAnsi_(CP_ACP, 0, argv_[index], -1, nullptr, 0, nullptr, nullptr);
+    return size < 1 ? 1 : size;
+}
+
+int WideArguments::NarrowInto(int index, char* out, int room) const noexcept {
+    int size = toAnsi_(CP_ACP, 0, argv_[index], -1, out, room, nullptr, nullptr);
+    if (size < 1) size = 1;  // a text that does not convert stays empty
+    out[size - 1] = '\0';
+    return size;
+}
+
+std::string WideArguments::Narrow(int index) const {
+    std::string text(static_cast<std::size_t>(NarrowSize(index)), '\0');
+    text.resize(static_cast<std::size_t>(NarrowInto(index, text.data(), static_cast<int>(text.size())) - 1));
+    return text;
+}
+
+bool WideArguments::StartsDebuggerWait(int index) const {
+    constexpr std::size_t kPrefix = 7;  // "--debug"
+    const wchar_t* wide = argv_[index];
+    char ascii[kPrefix];
+    std::size_t length = 0;
+    for (; length < kPrefix && wide[length] != L'\0'; ++length) {
+        if (wide[length] >= 0x80) return argument_text::StartsDebuggerWait(Narrow(index));
+        ascii[length] = static_cast<char>(wide[length]);
+    }
+    return argument_text::StartsDebuggerWait(std::string_view(ascii, length));
+}
+
 std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut,
                                  bool withProgramName, void* context,
                                  RegistrationCallback registrationCallback,
                                  std::int32_t* callbackResultOut) {
-    const std::string line = argument_text::PrepareCommandLine(
-        withProgramName ? ProgramPath() : std::string(), withProgramName, text);
-
-    const CodePageConverters convert;
-    if (!convert.ok()) return 0;
-
-    const int wideLength = convert.toWide(CP_ACP, 0, line.c_str(), -1, nullptr, 0);
-    if (wideLength <= 0) return 0;
-    std::vector<wchar_t> wide(static_cast<std::size_t>(wideLength));
-    convert.toWide(CP_ACP, 0, line.c_str(), -1, wide.data(), wideLength);
-
-    int argc = 0;
-    const UniqueLocalMemory wideArgs(
-        reinterpret_cast<HLOCAL>(CommandLineToArgvW(wide.data(), &argc)));
-    if (!wideArgs) return 0;
-    wchar_t** const wideArgv = reinterpret_cast<wchar_t**>(wideArgs.Get());
+    const WideArguments wide(text, withProgramName);
+    if (!wide.Ok()) return 0;
+    const int argc = wide.Count();
 
     // One block: argc + 2 pointer slots, then every argument's 8-bit text. The texts are
     // measured in one pass and converted into the room left in a second, so no table of
     // sizes is kept beside the block (for a long line it would be a large buffer of its own).
     const std::size_t slotBytes = (static_cast<std::size_t>(argc) + 2) * sizeof(char*);
     std::size_t total = slotBytes;
-    for (int i = 0; i < argc; ++i) {
-        const int size = convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, nullptr, 0, nullptr, nullptr);
-        total += static_cast<std::size_t>(size < 1 ? 1 : size);
-    }
+    for (int i = 0; i < argc; ++i) total += static_cast<std::size_t>(wide.NarrowSize(i));
     UniqueLocalMemory block(LocalAlloc(LMEM_FIXED | LMEM_ZEROINIT, total));
     if (!block) return 0;
 
@@ -159,9 +182,7 @@ std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** ar
         argv[i] = strings;
         const std::size_t room = static_cast<std::size_t>(end - strings);
         const int roomForCall = room > static_cast<std::size_t>(INT_MAX) ? INT_MAX : static_cast<int>(room);
-        int size = convert.toAnsi(CP_ACP, 0, wideArgv[i], -1, strings, roomForCall, nullptr, nullptr);
-        if (size < 1) size = 1;  // a text that does not convert stays empty (the block is zeroed)
-        strings[size - 1] = '\0';
+        const int size = wide.NarrowInto(i, strings, roomForCall);
         strings += size;
         // The length is known here; measuring each of a long line's arguments again costs.
         if (argument_text::StartsDebuggerWait(std::string_view(argv[i], static_cast<std::size_t>(size - 1))))

@@ -7,7 +7,10 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+
+#include "common/win_handles.h"
 
 #include "connection/argument_text.h"
 
@@ -30,6 +33,41 @@ std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** ar
                                  bool withProgramName, void* context,
                                  RegistrationCallback registrationCallback,
                                  std::int32_t* callbackResultOut);
+
+// The split BuildArgumentVector makes of an option text, before its elements go back to 8
+// bits: the prepared line widened with the ANSI code page and split by CommandLineToArgvW.
+// Each element converts on its own, to the very text the vector holds for it, so a reader
+// that needs only some of them converts only those.
+class WideArguments {
+public:
+    WideArguments(std::string_view text, bool withProgramName);
+    WideArguments(const WideArguments&) = delete;
+    WideArguments& operator=(const WideArguments&) = delete;
+
+    // False when the conversions could not be had or the line could not be split; Count()
+    // is 0 then.
+    bool Ok() const noexcept { return static_cast<bool>(block_); }
+    int Count() const noexcept { return argc_; }
+
+    // The 8-bit size of element index with its terminating zero, 1 at least.
+    int NarrowSize(int index) const noexcept;
+    // Converts element index into out (room bytes) and terminates it; the bytes written,
+    // terminator included, 1 at least (a text that does not convert stays empty).
+    int NarrowInto(int index, char* out, int room) const noexcept;
+    // Element index in 8 bits.
+    std::string Narrow(int index) const;
+    // Whether the vector's element index starts the debugger wait. An element whose first
+    // seven characters are plain ASCII is decided without converting it, since every ANSI
+    // code page writes ASCII as itself.
+    bool StartsDebuggerWait(int index) const;
+
+private:
+    UniqueModule kernel32_;
+    decltype(&WideCharToMultiByte) toAnsi_ = nullptr;
+    UniqueLocalMemory block_;
+    wchar_t** argv_ = nullptr;
+    int argc_ = 0;
+};
 
 // Breaks into an attached debugger, or announces the process id and polls for one for
 // about two minutes (1,200 x 100 ms) before going on silently.

@@ -114,7 +114,7 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     }
 }
 
-HICON MakeIcon(const std::uint8_t* bytes, std::uint32_t size, int width, int height) {
+HICON MakeIcon(const std::uint8_t* bytes, std::uint32_t size, int width, int height) noexcept {
     // Too short to hold even a bitmap header: nothing to make an icon of.
     if (size < kBitmapInfoHeaderBytes) return nullptr;
     return CreateIconFromResourceEx(const_cast<PBYTE>(bytes), size, TRUE, kIconResourceVersion, width, height, 0);
@@ -184,7 +184,7 @@ std::int32_t DecodeIconImages(const char* text, DecodedIcon* icon, DecodedIcon* 
     return Decode(text, icon, smallIcon, true);
 }
 
-HICON RemakeIcon(const DecodedIcon& decoded) {
+HICON RemakeIcon(const DecodedIcon& decoded) noexcept {
     return MakeIcon(decoded.image.data(), static_cast<std::uint32_t>(decoded.image.size()), decoded.width,
                     decoded.height);
 }

@@ -38,4 +38,4 @@ std::int32_t DecodeIconImages(const char* text, DecodedIcon* icon, DecodedIcon* 
 
 // A new icon made from a decoded image exactly as the decoder made the first one; null
 // when the block is empty or refused.
-HICON RemakeIcon(const DecodedIcon& decoded);
+HICON RemakeIcon(const DecodedIcon& decoded) noexcept;

@@ -8,10 +8,26 @@
 
 namespace {
 
+// The elements of a plain vector, without a virtual call per element: a -C line can hold
+// hundreds of thousands of them.
+class VectorSource {
+public:
+    VectorSource(const char* const* argv, int argc) : argv_(argv), argc_(argv ? argc : 0) {}
+    int Count() const { return argc_; }
+    const char* At(int index) const { return argv_[index]; }
+
+private:
+    const char* const* argv_;
+    int argc_;
+};
+
+// Source: VectorSource or ArgumentSource, anything with Count() and At(index).
+template <typename Source>
 class Walk {
 public:
-    Walk(const char* const* argv, int argc, ConnectionSettings& settings)
-        : argv_(argv), argc_(argc), s_(settings) {}
+    // withCommandText false: -C ends the walk without its text being made.
+    Walk(Source& source, ConnectionSettings& settings, bool withCommandText)
+        : source_(source), argc_(source.Count()), s_(settings), withCommandText_(withCommandText) {}
 
     IconInstruction Run() {
         s_.noOptionM = 1;
@@ -36,7 +52,7 @@ public:
 
 private:
     const char* At(int index) const {
-        const char* element = argv_[index];
+        const char* element = source_.At(index);
         return element ? element : "";
     }
 
@@ -62,6 +78,10 @@ private:
     // exactly its size, because every fresh page a large buffer touches costs far more than
     // measuring the tokens again (a growing buffer touches about three times the pages).
     void TakeCommandLine() {
+        if (!withCommandText_) {
+            index_ = argc_;
+            return;
+        }
         const int first = index_ + 1;
         std::size_t length = 0;
         for (int i = first; i < argc_; ++i) length += std::strlen(At(i)) + (i > first ? 1 : 0);
@@ -155,9 +175,10 @@ private:
         }
     }
 
-    const char* const* argv_;
+    Source& source_;
     int argc_;
     ConnectionSettings& s_;
+    bool withCommandText_;
     int index_ = 1;
     IconInstruction icon_;
 };
@@ -165,6 +186,10 @@ private:
 }  // namespace
 
 IconInstruction LayOptions(const char* const* argv, int argc, ConnectionSettings& settings) {
-    if (!argv) argc = 0;
-    return Walk(argv, argc, settings).Run();
+    VectorSource source(argv, argc);
+    return Walk<VectorSource>(source, settings, true).Run();
+}
+
+IconInstruction LayOptionsBeforeCommand(ArgumentSource& source, ConnectionSettings& settings) {
+    return Walk<ArgumentSource>(source, settings, false).Run();
 }

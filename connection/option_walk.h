@@ -20,3 +20,20 @@ struct IconInstruction {
 // sets noOptionM first, lays every recognised option over the fields (nothing else is
 // reset), then folds -N with -M (or -K) into optionNM. Null elements are taken as empty.
 IconInstruction LayOptions(const char* const* argv, int argc, ConnectionSettings& settings);
+
+// Hands out the elements of an argument vector one at a time, as the walk reaches them. A
+// text handed out must stay where it is for the source's life (an icon instruction points
+// into it).
+class ArgumentSource {
+public:
+    virtual ~ArgumentSource() = default;
+    virtual int Count() const = 0;
+    // Element index (1 .. Count() - 1); null is taken as empty.
+    virtual const char* At(int index) = 0;
+};
+
+// The same walk over a source, asking only for the elements it reaches before -C, and
+// leaving the -C text out (commandLine stays as it is): every other field and the icon
+// instruction come out as LayOptions makes them, while the elements after -C, which
+// only make up that text, are never asked for.
+IconInstruction LayOptionsBeforeCommand(ArgumentSource& source, ConnectionSettings& settings);

@@ -2,12 +2,18 @@
 
 #include <utility>
 
+HICON RecordIcon::Get() const noexcept {
+    if (!handle_ && !source_.image.empty()) handle_.Reset(RemakeIcon(source_));
+    return handle_.Get();
+}
+
 void RecordIcon::Reset(HICON icon) noexcept {
     handle_.Reset(icon);
     source_ = DecodedIcon{};
 }
 
 HICON RecordIcon::Detach() noexcept {
+    Get();
     source_ = DecodedIcon{};
     return handle_.Detach();
 }
@@ -19,9 +25,14 @@ void RecordIcon::ResetDecoded(DecodedIcon&& decoded) noexcept {
 }
 
 HICON RecordIcon::Copy() const {
-    if (!handle_) return nullptr;
     if (!source_.image.empty()) {
         if (const HICON remade = RemakeIcon(source_)) return remade;
     }
+    if (!handle_) return nullptr;
     return CopyIcon(handle_.Get());
+}
+
+HICON RecordIcon::HandOut() {
+    if (handle_ && !source_.image.empty()) return handle_.Detach();
+    return Copy();
 }

@@ -31,6 +31,11 @@ public:
     // failure with the Windows error in lastError. Raises HResultError (E_INVALIDARG for a
     // file of 2 GiB or more or a view that cannot be had, E_OUTOFMEMORY without memory).
     std::int32_t Read(const char* path);
+    // Read as the icon handler needs it: the file is opened, mapped and split as Read does
+    // it, but only the elements before -C are converted back to 8 bits and walked. Every
+    // field and both icons come out as Read makes them, except commandLine (the -C text),
+    // which is left as it is. Results and errors as Read.
+    std::int32_t ReadForIcon(const char* path);
     // Replaces the file at path with the record's option line; 0 or 1 as Read.
     std::int32_t Write(const char* path);
 
@@ -49,7 +54,7 @@ public:
     RecordIcon smallIcon;  // the same icon at the system small-icon size
 
 private:
-    std::int32_t ReadMapped(const char* path);
+    std::int32_t ReadMapped(const char* path, bool withCommandText);
 };
 
 // The domain check asks Windows through this function (GetUserNameExA by default).

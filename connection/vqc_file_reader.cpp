@@ -1,6 +1,9 @@
 // VQCFileInfo::Read: maps the connection file, splits its text into arguments and lays
-// the options over the record's fields; the embedded icon is decoded last.
+// the options over the record's fields; the embedded icon is decoded last. ReadForIcon takes
+// the same road but converts and walks only the elements before -C.
+#include <deque>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -16,6 +19,22 @@
 namespace {
 
 constexpr std::uint32_t kLargestReadableFile = 0x7FFFFFFF;
+
+// The elements of a split line, each converted back to 8 bits only when the walk reaches it,
+// to the very text the whole vector would hold; every text stays until the source goes.
+class NarrowingSource : public ArgumentSource {
+public:
+    explicit NarrowingSource(const WideArguments& wide) : wide_(wide) {}
+    int Count() const override { return wide_.Count(); }
+    const char* At(int index) override {
+        texts_.push_back(wide_.Narrow(index));
+        return texts_.back().c_str();
+    }
+
+private:
+    const WideArguments& wide_;
+    std::deque<std::string> texts_;  // a deque keeps every text where it was
+};
 
 }  // namespace
 
@@ -33,7 +52,7 @@ void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
 std::int32_t VQCFileInfo::Read(const char* path) {
     // Running out of memory for a text surfaces as the HRESULT the COM boundary hands on.
     try {
-        return ReadMapped(path);
+        return ReadMapped(path, true);
     } catch (const std::bad_alloc&) {
         throw HResultError(kResultOutOfMemory);
     } catch (const std::length_error&) {
@@ -41,9 +60,20 @@ std::int32_t VQCFileInfo::Read(const char* path) {
     }
 }
 
-std::int32_t VQCFileInfo::ReadMapped(const char* path) {
+std::int32_t VQCFileInfo::ReadForIcon(const char* path) {
+    try {
+        return ReadMapped(path, false);
+    } catch (const std::bad_alloc&) {
+        throw HResultError(kResultOutOfMemory);
+    } catch (const std::length_error&) {
+        throw HResultError(kResultInvalidArg);
+    }
+}
+
+std::int32_t VQCFileInfo::ReadMapped(const char* path, bool withCommandText) {
     int argc = 0;
     char** argv = nullptr;
+    std::optional<WideArguments> wide;
     {
         MappedFile file;
         const bool opened = file.Open(path, MapAccess::ReadOnly);
@@ -55,8 +85,22 @@ std::int32_t VQCFileInfo::ReadMapped(const char* path) {
         // The joined line is copied straight out of the view: a copy of the file's bytes of
         // their own first would double what a large file costs in fresh memory.
         const std::string_view bytes(static_cast<const char*>(file.view()), file.size());
-        BuildArgumentVector(bytes, &argc, &argv, true, nullptr, nullptr, nullptr);
+        if (withCommandText) {
+            BuildArgumentVector(bytes, &argc, &argv, true, nullptr, nullptr, nullptr);
+        } else {
+            wide.emplace(bytes, true);
+            // Every element that would start the debugger wait in the whole vector starts it
+            // here too, converted or not.
+            for (int i = 0; i < wide->Count(); ++i) {
+                if (wide->StartsDebuggerWait(i)) WaitForDebugger();
+            }
+        }
     }  // unmapped and closed here, before the walk
+    if (!withCommandText) {
+        NarrowingSource source(*wide);
+        ApplyIconInstruction(LayOptionsBeforeCommand(source, *this));
+        return 0;
+    }
     const UniqueLocalMemory vector(argv);  // the -I text points into it until decoded
 
     const IconInstruction icons = LayOptions(argv, argv ? argc : 0, *this);

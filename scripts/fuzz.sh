@@ -22,9 +22,10 @@ declare -A seeds=(
   [split_address_fuzzer]=split_address
   [icon_stream_fuzzer]=icon_stream
   [record_chain_fuzzer]=record_chain
+  [icon_road_fuzzer]=icon_road
 )
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(option_walk_fuzzer split_address_fuzzer icon_stream_fuzzer record_chain_fuzzer)
+[ ${#targets[@]} -gt 0 ] || targets=(option_walk_fuzzer split_address_fuzzer icon_stream_fuzzer record_chain_fuzzer icon_road_fuzzer)
 for target in "${targets[@]}"; do
   [ -n "${seeds[$target]:-}" ] || { echo "fuzz.sh: no fuzz target $target" >&2; exit 2; }
 done

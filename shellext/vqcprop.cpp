@@ -198,8 +198,9 @@ STDMETHODIMP VQCProp::Load(LPCOLESTR fileName, DWORD) {
         if (!record) return E_OUTOFMEMORY;
         fileRecord_ = ComPtr<VQCFileInfo>(record);  // the new one is referenced before the old goes
 
-        // An unreadable file still answers S_OK; the icon then falls back to the DLL's.
-        fileRecord_->Read(fileRecord_->filePath.c_str());
+        // An unreadable file still answers S_OK; the icon then falls back to the DLL's. Only
+        // the pages show the -C text, so the icon's read leaves it out.
+        fileRecord_->ReadForIcon(fileRecord_->filePath.c_str());
         return S_OK;
     });
 }
@@ -232,11 +233,13 @@ STDMETHODIMP VQCProp::GetIconLocation(UINT, PSTR iconFile, UINT maxChars, int* i
 STDMETHODIMP VQCProp::Extract(PCSTR, UINT, HICON* largeIcon, HICON* smallIcon, UINT) {
     return GuardComCall([&]() -> HRESULT {
         if (!fileRecord_) return S_FALSE;  // the shell extracts the icon itself
-        if (fileRecord_->smallIcon && smallIcon) *smallIcon = fileRecord_->smallIcon.Copy();
+        // The handles the reader made go to the shell, which destroys them; the record keeps
+        // their images and makes its own again only if something asks (a second Extract, a page).
+        if (fileRecord_->smallIcon && smallIcon) *smallIcon = fileRecord_->smallIcon.HandOut();
         if (!fileRecord_->icon) return S_FALSE;
         if (!largeIcon) return S_OK;
-        // A copy the system could not make leaves the icon to the shell, as no icon does.
-        *largeIcon = fileRecord_->icon.Copy();
+        // An icon the system could not make leaves the icon to the shell, as no icon does.
+        *largeIcon = fileRecord_->icon.HandOut();
         return *largeIcon ? S_OK : S_FALSE;
     });
 }

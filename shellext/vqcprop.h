@@ -51,7 +51,8 @@ public:
     STDMETHODIMP GetIconLocation(UINT flags, PSTR iconFile, UINT maxChars, int* index, UINT* outFlags) override;
     STDMETHODIMP Extract(PCSTR file, UINT index, HICON* largeIcon, HICON* smallIcon, UINT size) override;
 
-    // What the object currently serves, for the shell's sake and for tests.
+    // What the object currently serves, for the shell's sake and for tests. Load reads the
+    // record for the icon: every field but the -C text, which only the pages show.
     const std::string& FileName() const noexcept { return fileName_; }
     VQCFileInfo* FileRecord() const noexcept { return fileRecord_.Get(); }
 

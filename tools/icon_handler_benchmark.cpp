@@ -34,6 +34,7 @@ using side_by_side::Now;
 
 struct Case {
     std::string name;
+    const char* measure;  // the row's name in scripts/bench.sh's table
     std::wstring connectionFile;
     std::wstring shortcutFile;
 };
@@ -163,28 +164,28 @@ int main(int argc, char** argv) {
         const std::vector<IconImage> largest = {benchmark_files::LargestAcceptedImage(),
                                                 MakeTestIconImage(16, 32)};
         std::vector<Case> cases;
-        auto addIconCase = [&](const std::string& name, const char* stem, const std::vector<IconImage>& images,
-                               std::size_t fileBytes) {
+        auto addIconCase = [&](const std::string& name, const char* measure, const char* stem,
+                               const std::vector<IconImage>& images, std::size_t fileBytes) {
             const std::string vqc = folder.File(std::string(stem) + ".vqc");
             const std::string ico = folder.File(std::string(stem) + ".ico");
             const std::string lnk = folder.File(std::string(stem) + ".lnk");
             const std::size_t written = benchmark_files::WriteConnectionFile(vqc, images, fileBytes);
             benchmark_files::WriteIconFile(ico, images);
             benchmark_files::WriteShortcut(lnk, ico, 0);
-            cases.push_back({name + " (" + std::to_string(written) + " bytes)", test_support::Wide(vqc),
+            cases.push_back({name + " (" + std::to_string(written) + " bytes)", measure, test_support::Wide(vqc),
                              test_support::Wide(lnk)});
         };
-        addIconCase("file with a 32x32 and a 16x16 icon at 4 bits", "typical", typical, 0);
+        addIconCase("file with a 32x32 and a 16x16 icon at 4 bits", "icon-typical", "typical", typical, 0);
         {
             const std::string vqc = folder.File("plain.vqc");
             const std::string lnk = folder.File("plain.lnk");
             const std::size_t written = benchmark_files::WriteConnectionFile(vqc, {}, 0);
             // Both end at the DLL's own icon: ours names it, the shortcut points at it.
             benchmark_files::WriteShortcut(lnk, dllPath, 0);
-            cases.push_back({"file without an icon (" + std::to_string(written) + " bytes)",
+            cases.push_back({"file without an icon (" + std::to_string(written) + " bytes)", "icon-none",
                              test_support::Wide(vqc), test_support::Wide(lnk)});
         }
-        addIconCase("100 KB file with the largest icon the reader takes", "largest", largest, 100 * 1024);
+        addIconCase("100 KB file with the largest icon the reader takes", "icon-100kb", "largest", largest, 100 * 1024);
 
         std::printf("icon per file: the extension against the shell's shortcut path\n");
         for (const Case& c : cases) {
@@ -198,7 +199,7 @@ int main(int argc, char** argv) {
                 counts.rounds, counts.cycles, [&] { return OurCycle(c.connectionFile, nullptr); },
                 [&] { return ShortcutCycle(c.shortcutFile, nullptr); });
             side_by_side::Report(c.name, "extension (.vqc)", "shortcut (.lnk -> .ico)", result, counts.rounds,
-                                 counts.cycles);
+                                 counts.cycles, c.measure);
             if (showSteps) {
                 Steps ourSteps, shortcutSteps;
                 for (int i = 0; i < counts.cycles; ++i) {

@@ -105,7 +105,8 @@ int main(int argc, char** argv) {
                       "wmiutils.dll (%llu bytes)",
                       static_cast<unsigned long long>(FileSize(ours.path)),
                       static_cast<unsigned long long>(FileSize(system.path)));
-        side_by_side::Report(title, "vqcprop64.dll", "wmiutils.dll", result, counts.rounds, counts.cycles);
+        side_by_side::Report(title, "vqcprop64.dll", "wmiutils.dll", result, counts.rounds, counts.cycles,
+                             "load");
     }
     CoUninitialize();
     return 0;

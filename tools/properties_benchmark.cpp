@@ -140,7 +140,8 @@ int main(int argc, char** argv) {
                                   [&] { return FloorCycle(floor); });
         side_by_side::Report("Properties of a connection file (" + std::to_string(written) +
                                  " bytes, three pages, every page window created)",
-                             "extension", "empty pages, same templates", result, counts.rounds, counts.cycles);
+                             "extension", "empty pages, same templates", result, counts.rounds, counts.cycles,
+                             "properties");
     }
     CoUninitialize();
     return 0;

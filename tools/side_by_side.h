@@ -39,10 +39,18 @@ struct Samples {
     double Slowest() const { return *std::max_element(perCycle.begin(), perCycle.end()); }
 };
 
+// Both sides' rounds, in the order they ran; round i of one side ran next to round i of
+// the other, so each round gives a ratio of its own, and the figure is their median.
 struct Comparison {
     Samples ours;
     Samples floor;
-    double Ratio() const { return ours.Median() / floor.Median(); }
+    Samples RoundRatios() const {
+        Samples ratios;
+        for (std::size_t i = 0; i < ours.perCycle.size() && i < floor.perCycle.size(); ++i)
+            ratios.perCycle.push_back(ours.perCycle[i] / floor.perCycle[i]);
+        return ratios;
+    }
+    double Ratio() const { return RoundRatios().Median(); }
 };
 
 // Runs `rounds` rounds; each times `cycles` calls of ours, then of the floor (the order
@@ -73,15 +81,23 @@ Comparison Compare(int rounds, int cycles, Ours ours, Floor floor) {
     return result;
 }
 
-// One line per case: both medians with the spread of their rounds, and the ratio.
+// One line per case: both medians with the spread of their rounds, and the ratio (the
+// median of the rounds' ratios, with their spread). With `measure` set, one more line for
+// scripts/bench.sh's table: "row|measure|ours us|floor us|ratio|lowest|highest|rounds".
 inline void Report(const std::string& name, const char* oursName, const char* floorName,
-                   const Comparison& c, int rounds, int cycles) {
+                   const Comparison& c, int rounds, int cycles, const char* measure = nullptr) {
+    const Samples ratios = c.RoundRatios();
     std::printf("%s\n", name.c_str());
     std::printf("  %-26s median %10.1f us  (rounds %.1f .. %.1f)\n", oursName, c.ours.Median() * 1e6,
                 c.ours.Fastest() * 1e6, c.ours.Slowest() * 1e6);
     std::printf("  %-26s median %10.1f us  (rounds %.1f .. %.1f)\n", floorName, c.floor.Median() * 1e6,
                 c.floor.Fastest() * 1e6, c.floor.Slowest() * 1e6);
-    std::printf("  ratio %.2f  (%d rounds of %d cycles)\n", c.Ratio(), rounds, cycles);
+    std::printf("  ratio %.2f  (rounds %.2f .. %.2f; %d rounds of %d cycles)\n", ratios.Median(), ratios.Fastest(),
+                ratios.Slowest(), rounds, cycles);
+    if (measure) {
+        std::printf("row|%s|%.1f|%.1f|%.3f|%.3f|%.3f|%d\n", measure, c.ours.Median() * 1e6, c.floor.Median() * 1e6,
+                    ratios.Median(), ratios.Fastest(), ratios.Slowest(), rounds);
+    }
     std::fflush(stdout);
 }
 

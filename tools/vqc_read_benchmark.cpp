@@ -1,14 +1,16 @@
 // Measures VQCFileInfo::Read against its floor: the work no reader of the same file can
 // avoid in this process (open, map and close the file, one copy of its bytes, the code-page
 // conversions, CommandLineToArgvW, and the record's -C text and icons). Run by hand:
-//   vqc_read_benchmark [ITERATIONS [breakdown | read-only | floor-only]]
-// ITERATIONS are for the typical file (the 1 MB file gets a twentieth). "breakdown" adds
+//   vqc_read_benchmark [ITERATIONS [ROUNDS] [breakdown | read-only | floor-only]]
+// ITERATIONS are for the typical file (the 1 MB file gets a twentieth), spread over ROUNDS
+// (default 7) that alternate the two sides. "breakdown" adds
 // where Read's time goes; "read-only" and "floor-only" run one side alone, ITERATIONS times
 // on the 1 MB file, so that what it costs the system can be counted from outside.
 #include <windows.h>
 #include <shellapi.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -145,20 +147,21 @@ void Breakdown(const std::string& path, int iterations) {
                 Median(split) * 1e6, Median(prepare) * 1e6, Median(walk) * 1e6);
 }
 
-// Alternates reader and floor so both see the same machine load; reports medians.
-void Measure(const char* name, const std::string& path, const Images& images, int iterations) {
-    std::vector<double> reads, floors;
-    for (int i = 0; i < iterations; ++i) {
-        reads.push_back(ReadOnce(path));
-        floors.push_back(FloorOnce(path, images));
+// Rounds of `cycles` Reads and `cycles` floors, the side that goes first swapping every
+// round so both see the same machine; reported as the other benchmarks report.
+void Measure(const std::string& name, const char* measure, const std::string& path, const Images& images,
+             int cycles, int rounds) {
+    side_by_side::Comparison result;
+    auto timeSide = [&](bool reader) {
+        double total = 0;
+        for (int i = 0; i < cycles; ++i) total += reader ? ReadOnce(path) : FloorOnce(path, images);
+        (reader ? result.ours : result.floor).perCycle.push_back(total / cycles);
+    };
+    for (int round = 0; round < rounds; ++round) {
+        timeSide(round % 2 == 0);
+        timeSide(round % 2 != 0);
     }
-    const double read = Median(reads), floor = Median(floors);
-    const double fastestRead = *std::min_element(reads.begin(), reads.end());
-    const double fastestFloor = *std::min_element(floors.begin(), floors.end());
-    std::printf("%-34s median: Read %9.1f us  floor %9.1f us  ratio %.2f | fastest: Read %9.1f us  floor %9.1f us"
-                "  ratio %.2f  (%d runs)\n",
-                name, read * 1e6, floor * 1e6, read / floor, fastestRead * 1e6, fastestFloor * 1e6,
-                fastestRead / fastestFloor, iterations);
+    side_by_side::Report(name, "Read", "floor", result, rounds, cycles, measure);
 }
 
 }  // namespace
@@ -181,7 +184,8 @@ int main(int argc, char** argv) {
 
     // One side alone on the 1 MB file, for counting what it costs outside the program
     // (perf stat -e minor-faults on this process, once with each side).
-    const std::string side = argc > 2 ? argv[2] : "";
+    const std::string side = argc > 2 && !std::isdigit(static_cast<unsigned char>(argv[2][0])) ? argv[2]
+                             : argc > 3 ? argv[3] : "";
     if (side == "read-only" || side == "floor-only") {
         for (int i = 0; i < iterations; ++i) {
             if (side == "read-only")
@@ -197,10 +201,11 @@ int main(int argc, char** argv) {
         ReadOnce(typicalPath);
         FloorOnce(typicalPath, typicalImages);
     }
-    Measure(("typical file (" + std::to_string(typical.size()) + " bytes)").c_str(), typicalPath,
-            typicalImages, iterations);
-    Measure(("1 MB -C line (" + std::to_string(words.size()) + " bytes)").c_str(), bigPath, Images{},
-            std::max(5, iterations / 20));
+    const int rounds = argc > 2 ? std::max(1, std::atoi(argv[2])) : 7;
+    Measure("Read of a typical file (" + std::to_string(typical.size()) + " bytes)", "read-typical", typicalPath,
+            typicalImages, std::max(1, iterations / rounds), rounds);
+    Measure("Read of a 1 MB -C line (" + std::to_string(words.size()) + " bytes)", "read-1mb", bigPath, Images{},
+            std::max(1, iterations / 20 / rounds), rounds);
 
     if (side == "breakdown") {
         Breakdown(typicalPath, iterations);

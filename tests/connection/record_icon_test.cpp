@@ -1,4 +1,5 @@
-// The record's icons: what the reader decoded is copied from its image again, anything
+// The record's icons: what the reader decoded is copied from its image again (and its own
+// handle is handed out once, then made again on demand), anything
 // else with CopyIcon; either way the copy is a new icon with the same pixels.
 #include <gtest/gtest.h>
 
@@ -123,4 +124,57 @@ TEST(RecordIcon, NoIconGivesNoCopy) {
     icon.ResetDecoded(std::move(nothing));
     EXPECT_FALSE(icon);
     EXPECT_EQ(icon.Copy(), nullptr);
+}
+
+TEST(RecordIcon, HandOutGivesTheReadersOwnHandleAndTheRecordMakesItsOwnAgain) {
+    DecodedIcon large, small;
+    DecodeTwo(8, &large, &small);
+    const HICON made = large.handle.Get();
+    RecordIcon icon;
+    icon.ResetDecoded(std::move(large));
+    const UniqueIcon handed(icon.HandOut());
+    EXPECT_EQ(handed.Get(), made);
+    ASSERT_TRUE(icon);
+    const HICON own = icon.Get();
+    ASSERT_NE(own, nullptr);
+    EXPECT_NE(own, handed.Get());
+    EXPECT_EQ(icon.Get(), own);
+    ExpectSamePixels(own, handed.Get());
+}
+
+TEST(RecordIcon, SecondHandOutIsANewIconWithTheSamePixels) {
+    DecodedIcon large, small;
+    DecodeTwo(4, &large, &small);
+    RecordIcon icon;
+    icon.ResetDecoded(std::move(large));
+    const UniqueIcon first(icon.HandOut());
+    const UniqueIcon second(icon.HandOut());
+    ASSERT_TRUE(first);
+    ASSERT_TRUE(second);
+    EXPECT_NE(first.Get(), second.Get());
+    ExpectSamePixels(second.Get(), first.Get());
+}
+
+TEST(RecordIcon, AnIconFromElsewhereIsHandedOutAsACopy) {
+    RecordIcon icon;
+    icon.Reset(MakeTestIcon(48, 8, 5));
+    const HICON held = icon.Get();
+    const UniqueIcon handed(icon.HandOut());
+    ASSERT_TRUE(handed);
+    EXPECT_NE(handed.Get(), held);
+    EXPECT_EQ(icon.Get(), held);
+    ExpectSamePixels(handed.Get(), held);
+}
+
+TEST(RecordIcon, DetachAfterHandOutGivesAnIconOfItsOwn) {
+    DecodedIcon large, small;
+    DecodeTwo(4, &large, &small);
+    RecordIcon icon;
+    icon.ResetDecoded(std::move(large));
+    const UniqueIcon handed(icon.HandOut());
+    const UniqueIcon detached(icon.Detach());
+    ASSERT_TRUE(detached);
+    EXPECT_NE(detached.Get(), handed.Get());
+    EXPECT_FALSE(icon);
+    ExpectSamePixels(detached.Get(), handed.Get());
 }

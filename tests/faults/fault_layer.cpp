@@ -26,6 +26,8 @@ struct LayerState {
     std::vector<CallSite> trace;
     std::map<const void*, ObjectKind> live;
     std::map<const void*, CallSite> madeAt;
+    Balance made{};
+    bool rememberDestroyed = true;
     std::set<std::pair<const void*, ObjectKind>> destroyed;
     std::vector<std::string> problems;
 };
@@ -93,6 +95,19 @@ std::string DescribeLive(const Balance& live) {
         text += std::string(KindName(static_cast<ObjectKind>(kind))) + " " + std::to_string(live[kind]);
     }
     return text;
+}
+
+Balance MadeObjects() {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    return state.made;
+}
+
+void RememberDestroyed(bool on) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.rememberDestroyed = on;
+    if (!on) state.destroyed.clear();
 }
 
 std::vector<LiveObject> LiveObjectList() {
@@ -204,6 +219,8 @@ void SetModuleRange(std::uintptr_t base, std::size_t size) {
     state.trace.clear();
     state.live.clear();
     state.madeAt.clear();
+    state.made = Balance{};
+    state.rememberDestroyed = true;
     state.destroyed.clear();
     state.problems.clear();
 }
@@ -229,6 +246,7 @@ void Created(ObjectKind kind, const void* object) {
     const std::lock_guard<std::mutex> guard(state.lock);
     state.destroyed.erase({object, kind});
     state.madeAt[object] = CallSite{KindName(kind), ModulePath(state, 1)};
+    ++state.made[static_cast<std::size_t>(kind)];
     const auto [where, fresh] = state.live.emplace(object, kind);
     if (!fresh) {
         state.problems.push_back(std::string("the system handed out a live ") + KindName(where->second) +
@@ -261,7 +279,8 @@ void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object) {
         state.problems.push_back(std::string("a ") + KindName(found->second) + " destroyed as another kind: " +
                                  Hex(reinterpret_cast<std::uintptr_t>(object)));
     }
-    state.destroyed.insert({object, found->second});
+    if (state.rememberDestroyed) state.destroyed.insert({object, found->second});
+    state.madeAt.erase(object);
     state.live.erase(found);
 }
 

@@ -62,6 +62,12 @@ struct LiveObject {
     CallSite madeAt;
 };
 std::vector<LiveObject> LiveObjectList();
+// How many objects of each kind the module made since the layer was installed.
+Balance MadeObjects();
+// Whether the books remember destroyed objects to see one destroyed twice (on by default);
+// a long soak turns it off so that the books stay as small as the module's live objects.
+void RememberDestroyed(bool on);
+
 // Problems the books saw: an object destroyed twice or as another kind than it was made.
 std::vector<std::string> BookProblems();
 

@@ -97,3 +97,29 @@ TEST(OptionPageShell, FileAdoptsTheFirstIconOfTheInstalledClientAndApplyWritesIt
         ExpectWrittenAsShown(page, file);
     }
 }
+
+// The icon handler hands its icons to the shell; the pages still see the record's own.
+TEST(OptionPageShell, AFileWithItsOwnIconShowsThatIconAndAdoptsNone) {
+    ExtensionCopy extension("option-shell-file-icon");
+    ASSERT_NE(extension.Module(), nullptr);
+    const std::string file = extension.File("own-icon.vqc");
+    const IconImage images[] = {MakeTestIconImage(32, 8, 3), MakeTestIconImage(16, 8, 4)};
+    const std::string line = "-h server -I \"" + HexTextOf(BuildIconStream(images, 2)) + "\"";
+    WriteFileBytes(file, line);
+    VQCFileInfo decoded(file.c_str());
+    ASSERT_EQ(decoded.Read(file.c_str()), 0);
+    {
+        ShellPropertySheet sheet(extension.GetClassObject(), file);
+        ASSERT_TRUE(sheet.Open());
+        ShowPage(sheet.Sheet(), kOptionsPage);
+        const HWND page = PageWindow(sheet.Sheet(), kOptionsPage);
+        ASSERT_NE(page, nullptr);
+        ASSERT_NE(Shown(page, 1037), nullptr);
+        ASSERT_NE(Shown(page, 1038), nullptr);
+        EXPECT_EQ(RenderedIcon(Shown(page, 1037), 32, kBackground),
+                  RenderedIcon(decoded.icon.Get(), 32, kBackground));
+        EXPECT_EQ(RenderedIcon(Shown(page, 1038), 16, kBackground),
+                  RenderedIcon(decoded.smallIcon.Get(), 16, kBackground));
+    }
+    EXPECT_EQ(ReadFileBytes(file), line);  // no icon adopted, nothing written
+}

@@ -23,112 +23,19 @@
 #include "tests/pages/file_dialog_driver.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/pages/user_actions.h"
+#include "tests/shellext/clean_sweep.h"
+#include "tests/shellext/shell_scenarios.h"
 #include "tests/shellext/shellext_test_support.h"
 
 using namespace page_test;
+using namespace shell_scenarios;
 
 namespace {
 
-template <typename Function>
-Function Export(HMODULE module, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
-
-// A copy of the built DLL in a folder of the sweep's own, beside the files it works on.
-class SweepFolder {
-public:
-    explicit SweepFolder(const std::string& tag) : folder_(tag), dll_(folder_.File("vqcprop64.dll")) {
-        test_support::CopyInto(test_support::BuiltDllPath(), dll_);
-    }
-    const std::string& Dll() const { return dll_; }
-    std::string File(const std::string& name) const { return folder_.File(name); }
-
-private:
-    test_support::TempFolder folder_;
-    std::string dll_;
-};
-
-// The C++ runtime linked into the DLL makes its state for a thread's first exception (and
-// for the first in the module) on demand and keeps it for the life of the thread and
-// beyond the module: a first allocation that fails in DllGetClassObject throws once.
-void ThrowOnceInTheModule(HMODULE module) {
-    faults::ArmAt(1);
-    ComPtr<IClassFactory> factory;
-    Export<GetClassObjectFunction>(module, "DllGetClassObject")(kVQCPropClassId, IID_IClassFactory, factory.PutVoid());
-    faults::ArmAt(0);
-}
-
-faults::SweepOptions ServerSweepOptions() {
-    faults::SweepOptions options = faults::OptionsFromEnvironment();
-    options.warmUp = ThrowOnceInTheModule;
-    return options;
-}
-
-void ExpectClean(const faults::SweepReport& report, const std::string& name) {
-    std::printf("%s\n", report.Summary(name).c_str());
-    EXPECT_GT(report.calls, 0u);
-    EXPECT_EQ(report.injected, report.swept.size()) << "runs whose armed call never came";
-    EXPECT_EQ(report.objectsLeaked, 0u);
-    for (const std::string& problem : report.problems) ADD_FAILURE() << problem;
-}
-
 // --- The icon handler ---------------------------------------------------------------------
 
-// What the shell does for one file of a folder: class object, object, Load, the icon's
-// location, Extract when the location is no file, release. Every answer is a failure code
-// or the documented result with its output.
-void IconHandlerCycle(HMODULE module, const std::wstring& file, faults::RunChecks& checks) {
-    const ComApartment apartment;
-    const auto getClassObject = Export<GetClassObjectFunction>(module, "DllGetClassObject");
-    ComPtr<IClassFactory> factory;
-    HRESULT result = getClassObject(kVQCPropClassId, IID_IClassFactory, factory.PutVoid());
-    checks.Expect(SUCCEEDED(result) == static_cast<bool>(factory), "DllGetClassObject: answer and factory disagree");
-    if (FAILED(result)) return;
-    ComPtr<IPersistFile> persist;
-    result = factory->CreateInstance(nullptr, IID_IPersistFile, persist.PutVoid());
-    checks.Expect(SUCCEEDED(result) == static_cast<bool>(persist), "CreateInstance: answer and object disagree");
-    factory.Reset();
-    if (FAILED(result)) return;
-    result = persist->Load(file.c_str(), STGM_READ);
-    checks.Expect(result == S_OK || FAILED(result), "Load answered " + std::to_string(result));
-    if (result != S_OK) return;
-    ComPtr<IExtractIconA> extract;
-    result = persist->QueryInterface(IID_IExtractIconA, extract.PutVoid());
-    checks.Expect(result == S_OK && extract, "no IExtractIconA");
-    if (!extract) return;
-
-    char location[MAX_PATH] = "\xde\xad";
-    int index = static_cast<int>(0xdeadbeef);
-    UINT flags = 0xdeadbeef;
-    result = extract->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &index, &flags);
-    checks.Expect(result == S_OK || FAILED(result), "GetIconLocation answered " + std::to_string(result));
-    if (result != S_OK) return;
-    checks.Expect(flags != 0xdeadbeef && index != static_cast<int>(0xdeadbeef), "GetIconLocation: S_OK without flags");
-    checks.Expect(location[0] != '\xde', "GetIconLocation: S_OK without a location");
-    // The answer is S_OK whatever happens; without its module's name the DLL names none.
-    checks.Expect(location[0] != '\0' || std::string(faults::FiredCall().function) == "GetModuleFileNameA",
-                  "GetIconLocation: an empty location");
-    if (!(flags & GIL_NOTFILENAME)) return;  // the shell takes the icon from the file named
-
-    HICON large = nullptr;
-    HICON small = nullptr;
-    result = extract->Extract(location, static_cast<UINT>(index), &large, &small, MAKELONG(32, 16));
-    checks.Expect(result == S_OK || result == S_FALSE || FAILED(result), "Extract answered " + std::to_string(result));
-    // S_OK hands out the large icon (the small one when the file's icon has one); S_FALSE
-    // leaves the icon to the shell, with a small icon already handed out left to it too.
-    if (result == S_OK) checks.Expect(large != nullptr, "Extract: S_OK without the icon");
-    if (result != S_OK) checks.Expect(!large, "Extract: a large icon handed out without S_OK");
-    if (FAILED(result)) checks.Expect(!small, "Extract: a small icon handed out with a failure");
-    // Whatever was handed out is the shell's now, and the shell destroys it.
-    for (HICON icon : {large, small}) {
-        if (!icon) continue;
-        faults::HandedOut(faults::ObjectKind::Icon, icon);
-        DestroyIcon(icon);
-    }
-}
-
 faults::SweepReport SweepIconHandler(const std::string& tag, const std::string& content) {
-    const SweepFolder folder(tag);
+    const DllCopyFolder folder(tag);
     const std::string file = folder.File("connection.vqc");
     WriteFileBytes(file, content);
     const std::wstring wide = test_support::Wide(file);
@@ -153,49 +60,6 @@ TEST(FaultSweep, IconHandlerOnABrokenFile) {
 }
 
 // --- Properties ---------------------------------------------------------------------------
-
-constexpr char kPropertiesLine[] = "-h server.example -u tester -C bookmark";
-
-// The page of the sheet that has the control; null when no page has it. Pages are found by
-// what they hold, not by their tab's title, which may be missing after a failure.
-HWND PageWith(HWND sheet, int controlId) {
-    for (int index = 0; index < PageCount(sheet); ++index) {
-        ShowPage(sheet, index);
-        const HWND page = PageWindow(sheet, index);
-        if (page && GetDlgItem(page, controlId)) return page;
-    }
-    return nullptr;
-}
-
-// What a user met and did in one visit: the pages there were (each edited once).
-enum Visit : unsigned { kConnectionPage = 1, kProxyPage = 2, kOptionsPage = 4 };
-
-// Every page shown, one edit on each page there is; answers the pages there were.
-unsigned EditEveryPage(HWND sheet) {
-    unsigned pages = 0;
-    for (int index = 0; index < PageCount(sheet); ++index) ShowPage(sheet, index);
-    if (const HWND page = PageWith(sheet, connection_page::kLoginEdit)) {
-        TypeText(page, connection_page::kLoginEdit, "changed");
-        pages |= kConnectionPage;
-    }
-    if (const HWND page = PageWith(sheet, kProxyHostEdit)) {
-        TypeText(page, kProxyHostEdit, "proxy.example");
-        pages |= kProxyPage;
-    }
-    if (const HWND page = PageWith(sheet, CVQCOptionPage::kDynamicSizingId)) {
-        ClickControl(page, CVQCOptionPage::kDynamicSizingId);
-        pages |= kOptionsPage;
-    }
-    return pages;
-}
-
-// Presses Apply (or OK) and closes every message box it raises, answering the boxes.
-std::vector<SeenBox> Press(HWND sheet, int button) {
-    MessageBoxWatcher watcher(sheet);
-    ClickButton(sheet, button);
-    PumpMessages();
-    return watcher.Boxes();
-}
 
 // What Apply writes without a fault for a visit with the same pages and edits, on the file
 // as it was or on a file the pages could not read (they then show an empty record). The
@@ -316,7 +180,7 @@ void PropertiesCycle(HMODULE module, const std::string& file, CleanApplies& clea
 }
 
 TEST(FaultSweep, PropertiesWithAnEditOnEveryPageAndApply) {
-    const SweepFolder folder("sweep-properties");
+    const DllCopyFolder folder("sweep-properties");
     const std::string file = folder.File("connection.vqc");
     CleanApplies clean(folder.File("clean.vqc"), kPropertiesLine);
     ApplyOutcomes outcomes;
@@ -371,7 +235,7 @@ void BrowseCycle(HMODULE module, const std::string& file, const std::string& ico
 }
 
 TEST(FaultSweep, BrowsingForAnIconOnTheOptionsPageAndPickingOne) {
-    const SweepFolder folder("sweep-browse");
+    const DllCopyFolder folder("sweep-browse");
     const std::string file = folder.File("connection.vqc");
     const std::string iconFile = folder.File("two sizes.ico");
     const std::vector<std::uint8_t> icon = test_support::MakeIconFile({32, 16});
@@ -380,134 +244,6 @@ TEST(FaultSweep, BrowsingForAnIconOnTheOptionsPageAndPickingOne) {
         folder.Dll(), [&](HMODULE module, faults::RunChecks& checks) { BrowseCycle(module, file, iconFile, checks); },
         ServerSweepOptions());
     ExpectClean(report, "browsing for an icon");
-}
-
-// --- Registration -------------------------------------------------------------------------
-
-constexpr char kClassKey[] = "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}";
-constexpr char kLogVariable[] = "VOXA_REGISTRATE_LOG_FILE";
-using ServerFunction = HRESULT(STDAPICALLTYPE*)();
-
-// Every key and value below a root, one line each, in a stable order.
-void DumpTree(HKEY key, const std::string& path, std::string& text) {
-    char name[512];
-    BYTE data[2048];
-    for (DWORD index = 0;; ++index) {
-        DWORD nameSize = sizeof(name);
-        DWORD dataSize = sizeof(data);
-        DWORD type = 0;
-        if (RegEnumValueA(key, index, name, &nameSize, nullptr, &type, data, &dataSize) != ERROR_SUCCESS) break;
-        text += path + " [" + name + "] = " + std::string(reinterpret_cast<char*>(data), dataSize) + "\n";
-    }
-    for (DWORD index = 0;; ++index) {
-        DWORD nameSize = sizeof(name);
-        if (RegEnumKeyExA(key, index, name, &nameSize, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-        HKEY child = nullptr;
-        if (RegOpenKeyExA(key, name, 0, KEY_READ, &child) != ERROR_SUCCESS) continue;
-        text += path + "\\" + name + "\n";
-        DumpTree(child, path + "\\" + name, text);
-        RegCloseKey(child);
-    }
-}
-
-std::string TreeText(HKEY root) {
-    std::string text;
-    DumpTree(root, "", text);
-    return text;
-}
-
-void EmptyRoot(HKEY root) {
-    char name[512];
-    for (;;) {
-        DWORD size = sizeof(name);
-        if (RegEnumKeyExA(root, 0, name, &size, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-        if (RegDeleteTreeA(root, name) != ERROR_SUCCESS) break;
-    }
-}
-
-// The tree's lines without the bare "AppID" and "CLSID" keys, which registration makes in
-// an empty root and removal leaves, as every system has them.
-std::string WithoutSharedParents(const std::string& tree) {
-    std::string rest;
-    std::size_t start = 0;
-    while (start < tree.size()) {
-        const std::size_t end = tree.find('\n', start);
-        const std::string line = tree.substr(start, end - start);
-        if (line != "\\AppID" && line != "\\CLSID") rest += line + "\n";
-        start = end == std::string::npos ? tree.size() : end + 1;
-    }
-    return rest;
-}
-
-std::size_t Lines(const std::string& text) {
-    std::size_t lines = 0;
-    for (char c : text) lines += c == '\n';
-    return lines;
-}
-
-TEST(FaultSweep, RegisteringRollsBackOrLogsEveryFailure) {
-    const SweepFolder folder("sweep-register");
-    const test_support::PrivateClassesRoot root("sweep-register");
-    const std::string log = folder.File("registration.log");
-    const test_support::ScopedEnvironment variable(kLogVariable, log.c_str());
-    std::string registered;  // the tree a registration without a fault leaves
-    HRESULT result = S_OK;
-    faults::SweepOptions options = ServerSweepOptions();
-    options.afterUnload = [&](faults::RunChecks& checks) {
-        const std::string tree = TreeText(root.Get());
-        const std::string written = test_support::FileExists(log) ? ReadFileBytes(log) : "";
-        const std::string fired = faults::Fired() ? faults::FiredCall().function : "";
-        if (registered.empty()) {
-            checks.Expect(result == S_OK && !tree.empty() && written.empty(), "registration without a fault failed");
-            registered = tree;
-        } else if (FAILED(result)) {
-            // Rolled back: only the parents every system has are left.
-            checks.Expect(WithoutSharedParents(tree).empty(), "a failed registration left keys behind:\n" + tree);
-            if (fired == "RegCreateKeyExA")
-                checks.Expect(written.rfind("Failed to create registry key ", 0) == 0, "the failure was not logged");
-        } else if (tree != registered) {
-            // A value that could not be set does not fail registration; it is logged.
-            checks.Expect(fired == "RegSetValueExA" && Lines(registered) - Lines(tree) == 1,
-                          "registration answered S_OK with this tree:\n" + tree);
-            checks.Expect(written.rfind("Failed to set registry value ", 0) == 0, "the failed value was not logged");
-        }
-        DeleteFileA(log.c_str());
-        EmptyRoot(root.Get());
-    };
-    const faults::SweepReport report = faults::Sweep(
-        folder.Dll(),
-        [&](HMODULE module, faults::RunChecks&) { result = Export<ServerFunction>(module, "DllRegisterServer")(); },
-        options);
-    ExpectClean(report, "registering");
-    EXPECT_NE(registered.find(kClassKey), std::string::npos) << registered;
-}
-
-TEST(FaultSweep, UnregisteringAnswersAndASecondRunRemovesEverything) {
-    const SweepFolder folder("sweep-unregister");
-    const test_support::PrivateClassesRoot root("sweep-unregister");
-    HRESULT result = S_OK;
-    faults::SweepOptions options = ServerSweepOptions();
-    options.afterUnload = [&](faults::RunChecks& checks) {
-        const std::string tree = TreeText(root.Get());
-        checks.Expect(tree.find(kClassKey) == std::string::npos, "a second unregistration left the class registered");
-        EmptyRoot(root.Get());
-    };
-    const faults::SweepReport report = faults::Sweep(
-        folder.Dll(),
-        [&](HMODULE module, faults::RunChecks& checks) {
-            {
-                const faults::PausedCounting setUp;
-                checks.Expect(Export<ServerFunction>(module, "DllRegisterServer")() == S_OK, "set-up registration failed");
-            }
-            // Deletions that fail are not reported: S_OK, with the entries that could not go.
-            result = Export<ServerFunction>(module, "DllUnregisterServer")();
-            checks.Expect(result == S_OK || FAILED(result), "DllUnregisterServer answered " + std::to_string(result));
-            // Run again without the fault, it finishes the job.
-            const faults::PausedCounting again;
-            checks.Expect(Export<ServerFunction>(module, "DllUnregisterServer")() == S_OK, "a second unregistration failed");
-        },
-        options);
-    ExpectClean(report, "unregistering");
 }
 
 }  // namespace

@@ -498,3 +498,119 @@ TEST(VQCPropInitialize, HoldsOneReferenceOnTheDataObjectAndSwapsItForANewOne) {
     init.Reset();
     EXPECT_EQ(references(second.Get()), secondAlone);
 }
+
+// The icon handler hands the shell the icons the reader made: they are the caller's, they
+// outlive the object, a second Extract gives a second pair, and the record still answers
+// with its icons afterwards.
+namespace {
+
+ComPtr<IUnknown> LoadedObject(const std::string& path) {
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IPersistFile>(object, IID_IPersistFile)->Load(Wide(path).c_str(), STGM_READ), S_OK);
+    return object;
+}
+
+void ExpectSamePixels(HICON a, HICON b) {
+    const Pixels first = PixelsOf(a);
+    const Pixels second = PixelsOf(b);
+    EXPECT_FALSE(first.colour.empty());
+    EXPECT_EQ(first.size.cx, second.size.cx);
+    EXPECT_EQ(first.size.cy, second.size.cy);
+    EXPECT_EQ(first.colour, second.colour);
+    EXPECT_EQ(first.mask, second.mask);
+}
+
+}  // namespace
+
+TEST(VQCPropIcon, ExtractedHandlesAreTheCallersToDestroyAfterTheObjectIsGone) {
+    TempFolder folder("callers");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({32, 16}));
+    ComPtr<IUnknown> object = LoadedObject(path);
+    HICON large = nullptr, small = nullptr;
+    ASSERT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_OK);
+    object.Reset();
+    ICONINFO info{};
+    ASSERT_TRUE(GetIconInfo(large, &info));
+    DeleteObject(info.hbmColor);
+    DeleteObject(info.hbmMask);
+    EXPECT_EQ(IconSize(large).cx, 32);
+    EXPECT_EQ(IconSize(small).cx, GetSystemMetrics(SM_CXSMICON));
+    // Nobody destroyed them on the object's way out: the caller does, once each.
+    EXPECT_TRUE(DestroyIcon(large));
+    EXPECT_TRUE(DestroyIcon(small));
+}
+
+TEST(VQCPropIcon, TwoExtractCallsGiveTwoPairsOfDistinctHandlesWithTheSamePixels) {
+    TempFolder folder("twice");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({32, 16}));
+    ComPtr<IUnknown> object = LoadedObject(path);
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(object, IID_IExtractIconA);
+    HICON large1 = nullptr, small1 = nullptr, large2 = nullptr, small2 = nullptr;
+    ASSERT_EQ(icon->Extract(path.c_str(), 0, &large1, &small1, 0), S_OK);
+    const UniqueIcon ownLarge1(large1), ownSmall1(small1);
+    ASSERT_EQ(icon->Extract(path.c_str(), 0, &large2, &small2, 0), S_OK);
+    const UniqueIcon ownLarge2(large2), ownSmall2(small2);
+    ASSERT_NE(large1, nullptr);
+    ASSERT_NE(small1, nullptr);
+    ASSERT_NE(large2, nullptr);
+    ASSERT_NE(small2, nullptr);
+    EXPECT_NE(large1, large2);
+    EXPECT_NE(small1, small2);
+    EXPECT_NE(large1, small2);
+    EXPECT_NE(small1, large2);
+    ExpectSamePixels(large1, large2);
+    ExpectSamePixels(small1, small2);
+    // The first pair still stands after the second was made.
+    EXPECT_EQ(IconSize(large1).cx, 32);
+}
+
+TEST(VQCPropIcon, AnImageThePlatformRefusesCountsAsNoIcon) {
+    // The stream itself is well formed; its one image has no bitmap header, so the platform
+    // makes no icon of it.
+    std::vector<std::uint8_t> icons = MakeIconFile({32});
+    const std::size_t firstImage = 6 + 16;
+    std::fill(icons.begin() + firstImage, icons.begin() + firstImage + 40, std::uint8_t{0});
+    TempFolder folder("refused");
+    const std::string path = folder.File("refused.vqc");
+    WriteFileBytes(path, "-h server -I " + HexText(icons));
+    ComPtr<IUnknown> object = LoadedObject(path);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_FALSE(prop->FileRecord()->icon);
+    ComPtr<IExtractIconA> icon = As<IExtractIconA>(object, IID_IExtractIconA);
+    char location[MAX_PATH + 1] = "";
+    int index = 0xdeadbeef;
+    UINT flags = 0xdeadbeef;
+    ASSERT_EQ(icon->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &index, &flags), S_OK);
+    EXPECT_EQ(flags, static_cast<UINT>(GIL_PERINSTANCE));
+    EXPECT_EQ(std::string(location), OwnModulePath());
+    HICON large = reinterpret_cast<HICON>(0xdeadbeef);
+    HICON small = reinterpret_cast<HICON>(0xdeadbeef);
+    EXPECT_EQ(icon->Extract(location, 0, &large, &small, 0), S_FALSE);
+    EXPECT_EQ(large, reinterpret_cast<HICON>(0xdeadbeef));
+    EXPECT_EQ(small, reinterpret_cast<HICON>(0xdeadbeef));
+}
+
+TEST(VQCPropIcon, AfterExtractTheRecordStillHoldsItsOwnIconsWithTheSamePixels) {
+    TempFolder folder("record-after");
+    const std::string path = folder.File("icon.vqc");
+    WriteFileBytes(path, ConnectionLineWithIcon({32, 16}));
+    ComPtr<IUnknown> object = LoadedObject(path);
+    HICON large = nullptr, small = nullptr;
+    ASSERT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)->Extract(path.c_str(), 0, &large, &small, 0), S_OK);
+    const UniqueIcon ownLarge(large), ownSmall(small);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    ASSERT_TRUE(prop->FileRecord()->icon);
+    ASSERT_TRUE(prop->FileRecord()->smallIcon);
+    const HICON recordLarge = prop->FileRecord()->icon.Get();
+    const HICON recordSmall = prop->FileRecord()->smallIcon.Get();
+    ASSERT_NE(recordLarge, nullptr);
+    ASSERT_NE(recordSmall, nullptr);
+    EXPECT_NE(recordLarge, large);
+    EXPECT_NE(recordSmall, small);
+    // Asked twice, the record answers with the same handle of its own.
+    EXPECT_EQ(prop->FileRecord()->icon.Get(), recordLarge);
+    ExpectSamePixels(recordLarge, large);
+    ExpectSamePixels(recordSmall, small);
+}
