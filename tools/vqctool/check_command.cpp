@@ -1,12 +1,16 @@
 // vqctool check: each file written for the client version into a scratch file, read back
 // with the reader, and what differs (with what the pages would not offer that client)
 // reported as text or JSON. The files themselves are only read.
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "common/win_handles.h"
+#include "connection/argument_vector.h"
 #include "connection/vqc_file_info.h"
 #include "tools/vqctool/commands.h"
 #include "tools/vqctool/file_run.h"
@@ -36,6 +40,30 @@ private:
     std::string path_;
 };
 
+// The file's arguments as the reader splits them (program path first); empty when the file
+// cannot be read whole.
+std::vector<std::string> ArgumentsOfFile(const std::string& path) {
+    std::string bytes;
+    {
+        const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        LARGE_INTEGER size{};
+        if (!file || !GetFileSizeEx(file.Get(), &size) || size.QuadPart > 0x7FFFFFFF) return {};
+        bytes.assign(static_cast<std::size_t>(size.QuadPart), '\0');
+        DWORD read = 0;
+        if (!bytes.empty() && !ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr))
+            return {};
+        bytes.resize(read);
+    }
+    int argc = 0;
+    char** argv = nullptr;
+    BuildArgumentVector(std::string_view(bytes), &argc, &argv, true, nullptr, nullptr, nullptr);
+    const UniqueLocalMemory vector(argv);
+    std::vector<std::string> arguments;
+    for (int i = 0; argv && i < argc; ++i) arguments.emplace_back(argv[i] ? argv[i] : "");
+    return arguments;
+}
+
 std::string FormatText(const std::optional<IconFormat>& format) {
     if (!format) return "none";
     return std::to_string(format->width) + "x" + std::to_string(format->height) + "x" +
@@ -64,6 +92,11 @@ std::string CheckFile(const std::string& path, std::int32_t version, std::vector
         const std::string was = FormatText(IconFormatOf(icons[i][0]));
         const std::string becomes = FormatText(IconFormatOf(icons[i][1]));
         if (was != becomes) findings.push_back({names[i], was, becomes, "the icon is not read back as it was"});
+    }
+    for (CheckFinding& finding : CompareArguments(ArgumentsOfFile(path), ArgumentsOfFile(scratch.Path()))) {
+        const bool known = std::any_of(findings.begin(), findings.end(),
+                                       [&](const CheckFinding& other) { return other.field == finding.field; });
+        if (!known) findings.push_back(std::move(finding));
     }
     for (CheckFinding& finding : UnofferedSettings(record)) findings.push_back(std::move(finding));
     return {};

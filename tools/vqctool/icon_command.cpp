@@ -1,6 +1,9 @@
 // vqctool icon set, export and remove. `set` takes icon N of a source at both sizes as the
 // Options page takes the icon picked in its list; `export` writes the icon stream the
 // writer would embed, as an .ico file.
+#include <windows.h>
+#include <shellapi.h>
+
 #include <cstdio>
 #include <string>
 

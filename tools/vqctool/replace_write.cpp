@@ -76,12 +76,10 @@ WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMo
         DeleteFileA(fresh.c_str());
         return result;
     }
-    if (exists) {
-        if (!ReplaceFileA(path.c_str(), fresh.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr))
-            result.error = GetLastError();
-    } else {
-        result.error = Moved(fresh, path, mode == WriteMode::CreateOrReplace ? MOVEFILE_REPLACE_EXISTING : 0);
-    }
+    // The old file's attributes (hidden, archive, ...) go with its new content; the rename
+    // itself is one step, so the file is either the old one or the new one.
+    if (exists) SetFileAttributesA(fresh.c_str(), attributes);
+    result.error = Moved(fresh, path, mode == WriteMode::CreateNew ? 0 : MOVEFILE_REPLACE_EXISTING);
     if (result.error != ERROR_SUCCESS) {
         DeleteFileA(fresh.c_str());
         return result;

@@ -1,6 +1,7 @@
 #include "tools/vqctool/rewrite_check.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "pages/connection_page_rules.h"
 #include "pages/proxy_page_rules.h"
@@ -21,6 +22,30 @@ bool IsRouteField(const RecordField& field) noexcept {
     return field.text == &S::proxyHost || field.text == &S::proxyUser || field.text == &S::brokerHost ||
            field.number == &S::proxyPort || field.number == &S::brokerPort || field.number == &S::route ||
            field.flag == &S::brokerUpperF;
+}
+
+// The option letters the reader lays over the record, and those of them that take the next
+// argument as their value.
+constexpr std::string_view kReadLetters = "-FfIiKLMNRSsVacdhluv";
+constexpr std::string_view kLettersWithValue = "FfISVachuv";
+
+bool IsCommandLineOption(const std::string& element) noexcept { return element.size() > 1 && element[0] == '-' && element[1] == 'C'; }
+
+// The elements after -C (empty when there is none).
+std::vector<std::string> CommandArguments(const std::vector<std::string>& arguments) {
+    for (std::size_t i = 1; i < arguments.size(); ++i)
+        if (IsCommandLineOption(arguments[i])) return {arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1, arguments.end()};
+    return {};
+}
+
+// The arguments as a command line would show them: those with a blank in double quotes.
+std::string Shown(const std::vector<std::string>& arguments) {
+    std::string text;
+    for (const std::string& argument : arguments) {
+        if (!text.empty()) text += ' ';
+        text += argument.find(' ') != std::string::npos ? "\"" + argument + "\"" : argument;
+    }
+    return text;
 }
 
 std::string Version(std::int32_t version) { return "client " + std::to_string(version); }
@@ -51,6 +76,36 @@ std::vector<CheckFinding> CompareRewrite(const ConnectionSettings& before, const
     return findings;
 }
 
+std::vector<CheckFinding> CompareArguments(const std::vector<std::string>& file,
+                                           const std::vector<std::string>& rewritten) {
+    std::vector<CheckFinding> findings;
+    for (std::size_t i = 1; i < file.size(); ++i) {
+        const std::string& element = file[i];
+        if (IsCommandLineOption(element)) break;
+        if (element.size() < 2 || element[0] != '-') continue;
+        const char letter = element[1];
+        if (kLettersWithValue.find(letter) != std::string_view::npos) {
+            ++i;  // its value, whatever it looks like
+            continue;
+        }
+        if (kReadLetters.find(letter) != std::string_view::npos) continue;
+        const bool written = std::find(rewritten.begin(), rewritten.end(), element) != rewritten.end();
+        if (written) continue;
+        findings.push_back({"option " + element, element, "",
+                            letter == 'T' ? "-T is never read back, so a rewrite drops it"
+                                          : element + " is never read, so a rewrite drops it"});
+    }
+    const std::vector<std::string> before = CommandArguments(file);
+    const std::vector<std::string> after = CommandArguments(rewritten);
+    if (before != after) {
+        const bool quoted = std::any_of(before.begin(), before.end(),
+                                        [](const std::string& a) { return a.find(' ') != std::string::npos; });
+        findings.push_back({"commandLine", Shown(before), Shown(after),
+                            quoted ? "quotes in -C are lost" : "-C is not written back as it was"});
+    }
+    return findings;
+}
+
 std::vector<CheckFinding> UnofferedSettings(const ConnectionSettings& record) {
     std::vector<CheckFinding> findings;
     const std::int32_t version = record.clientVersion;
@@ -75,7 +130,8 @@ std::vector<CheckFinding> UnofferedSettings(const ConnectionSettings& record) {
 }
 
 std::string FindingText(const CheckFinding& finding) {
-    const bool setting = finding.field == "connection-type" || finding.field == "login-type" || finding.field == "routeName";
+    const bool setting = finding.field == "connection-type" || finding.field == "login-type" ||
+                         finding.field == "routeName" || finding.field.rfind("option ", 0) == 0;
     return finding.field + ": " + finding.before + (setting ? "" : " -> " + finding.after) + " (" + finding.reason + ")";
 }
 

@@ -23,6 +23,12 @@ struct CheckFinding {
 // from what the writer made of it.
 std::vector<CheckFinding> CompareRewrite(const ConnectionSettings& before, const ConnectionSettings& after);
 
+// What the two texts' argument vectors (program path first, as the reader splits them) show
+// that the records cannot: options in the file the reader never reads, which a rewrite
+// therefore drops (-T among them), and -C arguments that do not come back the same (quotes).
+std::vector<CheckFinding> CompareArguments(const std::vector<std::string>& file,
+                                           const std::vector<std::string>& rewritten);
+
 // The settings of the record that the pages would not offer its client version.
 std::vector<CheckFinding> UnofferedSettings(const ConnectionSettings& record);
 
