@@ -29,6 +29,10 @@ public:
     // A new icon with the same image, owned by the caller; null when none is held.
     HICON Copy() const;
 
+    // What the reader decoded the icon from (its image block empty otherwise), so that the
+    // image's format can be told without asking Windows for the icon's bitmaps.
+    const DecodedIcon& Decoded() const noexcept { return source_; }
+
 private:
     UniqueIcon handle_;
     DecodedIcon source_;  // handle unused; image empty unless the icon was decoded

@@ -82,3 +82,22 @@ TEST(VqctoolRunSummary, SummaryAndProgressLines) {
     EXPECT_EQ(SummaryLine({1, 0, 0}), "1 file, 0 changed, 0 failed");
     EXPECT_EQ(ProgressLine(1200, 10000), "1200/10000 files");
 }
+
+TEST(VqctoolRecordJson, AnImageBlocksFormatIsItsHeaders) {
+    std::vector<std::uint8_t> block(40, 0);
+    block[4] = 48;      // width
+    block[8] = 96;      // height, doubled for the mask
+    block[14] = 4;      // bits per pixel
+    const auto own = ImageBlockFormat(block, 0, 0);
+    ASSERT_TRUE(own);
+    EXPECT_EQ(own->width, 48);
+    EXPECT_EQ(own->height, 48);
+    EXPECT_EQ(own->bitsPerPixel, 4);
+    const auto asked = ImageBlockFormat(block, 16, 16);
+    ASSERT_TRUE(asked);
+    EXPECT_EQ(asked->width, 16);
+    EXPECT_EQ(asked->height, 16);
+    EXPECT_EQ(asked->bitsPerPixel, 4);
+    block.resize(39);
+    EXPECT_FALSE(ImageBlockFormat(block, 0, 0));
+}

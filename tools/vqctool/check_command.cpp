@@ -86,11 +86,11 @@ std::string CheckFile(const std::string& path, std::int32_t version, std::vector
     if (!error.empty()) return "what the writer wrote cannot be read: " + error;
 
     findings = CompareRewrite(record, after);
-    const HICON icons[2][2] = {{record.icon.Get(), after.icon.Get()}, {record.smallIcon.Get(), after.smallIcon.Get()}};
+    const RecordIcon* icons[2][2] = {{&record.icon, &after.icon}, {&record.smallIcon, &after.smallIcon}};
     const char* names[2] = {"icon", "smallIcon"};
     for (int i = 0; i < 2; ++i) {
-        const std::string was = FormatText(IconFormatOf(icons[i][0]));
-        const std::string becomes = FormatText(IconFormatOf(icons[i][1]));
+        const std::string was = FormatText(IconFormatOf(*icons[i][0]));
+        const std::string becomes = FormatText(IconFormatOf(*icons[i][1]));
         if (was != becomes) findings.push_back({names[i], was, becomes, "the icon is not read back as it was"});
     }
     for (CheckFinding& finding : CompareArguments(ArgumentsOfFile(path), ArgumentsOfFile(scratch.Path()))) {

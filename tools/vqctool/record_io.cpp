@@ -72,6 +72,14 @@ std::optional<IconFormat> IconFormatOf(HICON icon) {
     return format;
 }
 
+std::optional<IconFormat> IconFormatOf(const RecordIcon& icon) {
+    if (!icon) return std::nullopt;
+    const DecodedIcon& decoded = icon.Decoded();
+    if (!decoded.image.empty())
+        if (auto format = ImageBlockFormat(decoded.image, decoded.width, decoded.height)) return format;
+    return IconFormatOf(icon.Get());
+}
+
 std::string AnsiToUtf8(std::string_view text) {
     if (text.empty()) return {};
     const int count = static_cast<int>(text.size());

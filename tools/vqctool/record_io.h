@@ -35,6 +35,10 @@ std::string ReadRecord(VQCFileInfo& record, const std::string& path);
 
 // The size and depth of an icon as the writer would encode it; none without an icon.
 std::optional<IconFormat> IconFormatOf(HICON icon);
+// A record's icon: the image the reader decoded it from (its depth as the file holds it, its
+// size as the icon was made), else as IconFormatOf. Asking Windows for an icon's bitmaps
+// costs under Wine several times what reading the whole file does.
+std::optional<IconFormat> IconFormatOf(const RecordIcon& icon);
 
 std::string AnsiToUtf8(std::string_view text);
 

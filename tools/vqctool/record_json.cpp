@@ -13,7 +13,24 @@ nlohmann::ordered_json IconJson(const std::optional<IconFormat>& icon) {
     return {{"width", icon->width}, {"height", icon->height}, {"bitsPerPixel", icon->bitsPerPixel}};
 }
 
+std::int32_t LittleEndian32(const std::vector<std::uint8_t>& bytes, std::size_t at) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(bytes[at]) | static_cast<std::uint32_t>(bytes[at + 1]) << 8 |
+                                     static_cast<std::uint32_t>(bytes[at + 2]) << 16 |
+                                     static_cast<std::uint32_t>(bytes[at + 3]) << 24);
+}
+
 }  // namespace
+
+std::optional<IconFormat> ImageBlockFormat(const std::vector<std::uint8_t>& block, int askedWidth, int askedHeight) {
+    constexpr std::size_t kHeaderBytes = 40;
+    if (block.size() < kHeaderBytes) return std::nullopt;
+    IconFormat format;
+    format.width = askedWidth ? askedWidth : LittleEndian32(block, 4);
+    const std::int32_t doubled = LittleEndian32(block, 8);
+    format.height = askedHeight ? askedHeight : (doubled < 0 ? -doubled : doubled) / 2;
+    format.bitsPerPixel = block[14] | block[15] << 8;
+    return format;
+}
 
 nlohmann::ordered_json RecordJson(const std::string& path, const ConnectionSettings& record,
                           const std::optional<IconFormat>& icon, const std::optional<IconFormat>& smallIcon,

@@ -4,10 +4,12 @@
 // handed through `toUtf8` (the ANSI code page's conversion on Windows). Portable.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -22,6 +24,11 @@ struct IconFormat {
     int height = 0;
     int bitsPerPixel = 0;
 };
+
+// The format of an icon image block as the reader keeps it (BITMAPINFOHEADER first, its
+// height doubled for the mask); askedWidth and askedHeight, when not 0, are the size the
+// icon was made at. None for a block too short for its header.
+std::optional<IconFormat> ImageBlockFormat(const std::vector<std::uint8_t>& block, int askedWidth, int askedHeight);
 
 // The entry of a file that was read.
 nlohmann::ordered_json RecordJson(const std::string& path, const ConnectionSettings& record,

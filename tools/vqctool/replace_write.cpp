@@ -6,13 +6,6 @@ namespace vqctool {
 
 namespace {
 
-std::string FolderOf(const std::string& path) {
-    const std::size_t slash = path.find_last_of("\\/:");
-    if (slash == std::string::npos) return ".";
-    if (path[slash] == ':') return path.substr(0, slash + 1);
-    return slash == 0 ? path.substr(0, 1) : path.substr(0, slash);
-}
-
 // The whole content of a file; false when it cannot be read.
 bool ReadWhole(const std::string& path, std::string& bytes) {
     const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -26,28 +19,31 @@ bool ReadWhole(const std::string& path, std::string& bytes) {
                              read == bytes.size());
 }
 
+// Whether two files hold the same bytes; their sizes are compared before either is read.
 bool SameContent(const std::string& a, const std::string& b) {
-    std::string first, second;
-    return ReadWhole(a, first) && ReadWhole(b, second) && first == second;
+    WIN32_FILE_ATTRIBUTE_DATA first{}, second{};
+    if (!GetFileAttributesExA(a.c_str(), GetFileExInfoStandard, &first) ||
+        !GetFileAttributesExA(b.c_str(), GetFileExInfoStandard, &second) ||
+        first.nFileSizeLow != second.nFileSizeLow || first.nFileSizeHigh != second.nFileSizeHigh)
+        return false;
+    std::string firstBytes, secondBytes;
+    return ReadWhole(a, firstBytes) && ReadWhole(b, secondBytes) && firstBytes == secondBytes;
 }
 
-// A fresh file's name in the folder, the file made (empty) so that no other run takes it.
-std::string NewFileBeside(const std::string& path, DWORD& error) {
-    char name[MAX_PATH + 1] = {};
-    if (!GetTempFileNameA(FolderOf(path).c_str(), "vqc", 0, name)) {
-        error = GetLastError();
-        return {};
-    }
-    return name;
+// A name beside the file that no other file of this run or of another run has: the file's
+// own name, this process's id and a count. The writer makes the file.
+std::string NameBeside(const std::string& path) {
+    static unsigned count = 0;
+    return path + "." + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count) + ".vqctool-new";
 }
 
 DWORD Moved(const std::string& from, const std::string& to, DWORD flags) {
-    return MoveFileExA(from.c_str(), to.c_str(), flags | MOVEFILE_WRITE_THROUGH) ? ERROR_SUCCESS : GetLastError();
+    return MoveFileExA(from.c_str(), to.c_str(), flags) ? ERROR_SUCCESS : GetLastError();
 }
 
 }  // namespace
 
-WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMode mode) {
+WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMode mode, bool recordChanged) {
     WriteResult result;
     const DWORD attributes = GetFileAttributesA(path.c_str());
     const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
@@ -65,20 +61,20 @@ WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMo
         return result;
     }
 
-    const std::string fresh = NewFileBeside(path, result.error);
-    if (fresh.empty()) return result;
+    const std::string fresh = NameBeside(path);
     if (record.Write(fresh.c_str()) != 0) {
         result.error = record.lastError;
         DeleteFileA(fresh.c_str());
         return result;
     }
-    if (exists && SameContent(fresh, path)) {  // nothing to replace: the file keeps its time
+    if (exists && !recordChanged && SameContent(fresh, path)) {  // nothing to replace: the file keeps its time
         DeleteFileA(fresh.c_str());
         return result;
     }
     // The old file's attributes (hidden, archive, ...) go with its new content; the rename
     // itself is one step, so the file is either the old one or the new one.
-    if (exists) SetFileAttributesA(fresh.c_str(), attributes);
+    if (exists && (attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NORMAL)))
+        SetFileAttributesA(fresh.c_str(), attributes);
     result.error = Moved(fresh, path, mode == WriteMode::CreateNew ? 0 : MOVEFILE_REPLACE_EXISTING);
     if (result.error != ERROR_SUCCESS) {
         DeleteFileA(fresh.c_str());
@@ -90,8 +86,7 @@ WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMo
 
 DWORD WriteBytesReplacing(const std::string& path, const std::string& bytes) {
     DWORD error = ERROR_SUCCESS;
-    const std::string fresh = NewFileBeside(path, error);
-    if (fresh.empty()) return error;
+    const std::string fresh = NameBeside(path);
     {
         const UniqueKernelHandle file(
             CreateFileA(fresh.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));

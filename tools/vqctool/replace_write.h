@@ -23,7 +23,10 @@ struct WriteResult {
     bool changed = false;  // the file's bytes differ from before (always for a new file)
 };
 
-WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMode mode);
+// recordChanged: the caller knows the record differs from the file's, so the new bytes are
+// put in place without comparing them with the old ones first. Otherwise a file whose bytes
+// would stay the same is left alone (its time too) and not counted as changed.
+WriteResult WriteReplacing(VQCFileInfo& record, const std::string& path, WriteMode mode, bool recordChanged = false);
 
 // Any other file (an exported icon) the same way: written beside, then in the old one's
 // place; 0 or the Windows error.

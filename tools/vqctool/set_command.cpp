@@ -25,13 +25,13 @@ int RunSet(const Invocation& invocation) {
         }
         const ConnectionSettings before = record;
         ApplyEdits(record, invocation.edits);
+        const std::vector<std::string> changes = DescribeChanges(before, record);
         if (invocation.dryRun) {
-            const std::vector<std::string> changes = DescribeChanges(before, record);
             std::printf("%s: %s\n", path.c_str(), changes.empty() ? "no field changes" : "would change");
             for (const std::string& change : changes) std::printf("  %s\n", change.c_str());
             return FileOutcome{!changes.empty(), false};
         }
-        const WriteResult written = WriteReplacing(record, path, WriteMode::Replace);
+        const WriteResult written = WriteReplacing(record, path, WriteMode::Replace, !changes.empty());
         if (written.error != ERROR_SUCCESS) {
             ReportFailure("cannot write", path, SystemErrorText(written.error));
             return FileOutcome{false, true};

@@ -15,7 +15,7 @@ namespace vqctool {
 
 namespace {
 
-std::string IconText(HICON icon) {
+std::string IconText(const RecordIcon& icon) {
     const auto format = IconFormatOf(icon);
     if (!format) return "none";
     return std::to_string(format->width) + "x" + std::to_string(format->height);
@@ -32,8 +32,8 @@ void PrintRecordText(const VQCFileInfo& record) {
     }
     std::printf("filePath=%s\n", QuotedForDump(record.filePath).c_str());
     std::printf("refCount=%lu\n", record.refCount);
-    std::printf("icon=%s\n", IconText(record.icon.Get()).c_str());
-    std::printf("smallIcon=%s\n", IconText(record.smallIcon.Get()).c_str());
+    std::printf("icon=%s\n", IconText(record.icon).c_str());
+    std::printf("smallIcon=%s\n", IconText(record.smallIcon).c_str());
 }
 
 }  // namespace
@@ -51,8 +51,8 @@ int RunShow(const Invocation& invocation) {
         const std::string error = ReadRecord(record, path);
         if (invocation.json) {
             const auto entry = error.empty()
-                                   ? RecordJson(path, record, IconFormatOf(record.icon.Get()),
-                                                IconFormatOf(record.smallIcon.Get()), AnsiToUtf8)
+                                   ? RecordJson(path, record, IconFormatOf(record.icon),
+                                                IconFormatOf(record.smallIcon), AnsiToUtf8)
                                    : ErrorJson(path, error, AnsiToUtf8);
             std::fputs(first ? "\n" : ",\n", stdout);
             std::fputs(JsonText(entry).c_str(), stdout);
