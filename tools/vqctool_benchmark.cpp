@@ -1,7 +1,9 @@
 // vqctool over many typical connection files against the reader (and the writer) alone on
 // the same files: what the tool's own work (walking the folder, JSON, writing beside and
 // replacing) adds. Run by hand:
-//   vqctool_benchmark [FILES [ROUNDS]]      (10000 files, 3 rounds by default)
+//   vqctool_benchmark [FILES [ROUNDS [PER_FOLDER]]]
+// 10000 files, 3 rounds, all in one folder by default; with PER_FOLDER the files are spread
+// over subfolders of that many files each and the tool walks them with -r.
 // Each side is a process of its own, started the same way: show --json over the folder (its
 // output into a file) against this program reading each file of a list into a fresh record
 // with the reader; set over the folder against this program reading each file, changing its
@@ -121,8 +123,9 @@ int main(int argc, char** argv) {
     if (argc == 4 && std::strcmp(argv[1], "--read-write") == 0) return ReadListed(argv[2], argv[3]);
     const std::size_t count = argc > 1 ? static_cast<std::size_t>(std::strtoul(argv[1], nullptr, 10)) : 10000;
     const int rounds = argc > 2 ? std::atoi(argv[2]) : 3;
-    if (count == 0 || rounds <= 0) {
-        std::fputs("usage: vqctool_benchmark [FILES [ROUNDS]]\n", stderr);
+    const std::size_t perFolder = argc > 3 ? static_cast<std::size_t>(std::strtoul(argv[3], nullptr, 10)) : 0;
+    if (count == 0 || rounds <= 0 || (argc > 3 && perFolder == 0)) {
+        std::fputs("usage: vqctool_benchmark [FILES [ROUNDS [PER_FOLDER]]]\n", stderr);
         return 2;
     }
     test_support::TempFolder work("tool-benchmark");
@@ -131,9 +134,16 @@ int main(int argc, char** argv) {
     const std::vector<IconImage> images = {MakeTestIconImage(32, 32), MakeTestIconImage(16, 32, 2)};
     std::vector<std::string> paths;
     for (std::size_t i = 0; i < count; ++i) {
+        std::string sub = folder;
+        if (perFolder) {
+            char part[32];
+            std::snprintf(part, sizeof(part), "\\part%03zu", i / perFolder);
+            sub += part;
+            if (i % perFolder == 0) CreateDirectoryA(sub.c_str(), nullptr);
+        }
         char name[32];
         std::snprintf(name, sizeof(name), "\\file%05zu.vqc", i);
-        paths.push_back(folder + name);
+        paths.push_back(sub + name);
         benchmark_files::WriteConnectionFile(paths.back(), images, 0);
     }
     const std::string output = work.File("show.json");
@@ -145,7 +155,8 @@ int main(int argc, char** argv) {
     std::vector<double> showTimes, readTimes, setTimes, readWriteTimes;
     for (int round = 0; round < rounds; ++round) {
         double start = Now();
-        if (RunTool("show --json \"" + folder + "\"", output) != 0) {
+        const std::string walk = (perFolder ? "-r \"" : "\"") + folder + "\"";
+        if (RunTool("show --json " + walk, output) != 0) {
             std::fputs("vqctool show --json failed\n", stderr);
             return 1;
         }
@@ -161,7 +172,7 @@ int main(int argc, char** argv) {
         // A new host each round, so every file changes on both sides.
         const std::string host = "host" + std::to_string(round) + ".example.com";
         start = Now();
-        if (RunTool("set host=tool-" + host + " \"" + folder + "\"", work.File("set.txt")) != 0) {
+        if (RunTool("set host=tool-" + host + " " + walk, work.File("set.txt")) != 0) {
             std::fputs("vqctool set failed\n", stderr);
             return 1;
         }
@@ -174,6 +185,7 @@ int main(int argc, char** argv) {
         }
         readWriteTimes.push_back(Now() - start);
     }
+    if (perFolder) std::printf("in folders of %zu files\n", perFolder);
     Report("show --json", count, Median(showTimes), "reader", Median(readTimes));
     Report("set", count, Median(setTimes), "reader+writer", Median(readWriteTimes));
     return 0;

@@ -95,3 +95,25 @@ TEST(VqctoolRewriteCheck, DiscoveryIsNotOfferedBefore665) {
     record.clientVersion = 665;
     EXPECT_TRUE(UnofferedSettings(record).empty());
 }
+
+TEST(VqctoolRewriteCheck, AnOptionTheReaderNeverReadsIsDroppedByARewrite) {
+    const std::vector<std::string> file = {"prog", "-h", "server", "-T", "-X", "-u", "-T", "-C", "-Y"};
+    const std::vector<std::string> rewritten = {"prog", "-h", "server", "-u", "-T", "-C", "-Y"};
+    const auto findings = CompareArguments(file, rewritten);
+    // "-T" after -u is its value; "-Y" after -C belongs to the command line.
+    ASSERT_EQ(findings.size(), 2u);
+    EXPECT_EQ(FindingText(findings[0]), "option -T: -T (-T is never read back, so a rewrite drops it)");
+    EXPECT_EQ(FindingText(findings[1]), "option -X: -X (-X is never read, so a rewrite drops it)");
+}
+
+TEST(VqctoolRewriteCheck, ReadOptionsAndTheirValuesAreNoFindings) {
+    const std::vector<std::string> file = {"prog", "-h", "-T", "-N", "-M", "-l", "-V", "5000", "-d", "-K"};
+    EXPECT_TRUE(CompareArguments(file, {"prog"}).empty());
+}
+
+TEST(VqctoolRewriteCheck, CommandLineArgumentsThatDoNotComeBackAreShownWithTheirQuotes) {
+    const auto findings = CompareArguments({"prog", "-C", "run", "a b"}, {"prog", "-C", "run", "a", "b"});
+    ASSERT_EQ(findings.size(), 1u);
+    EXPECT_EQ(FindingText(findings[0]), "commandLine: run \"a b\" -> run a b (quotes in -C are lost)");
+    EXPECT_TRUE(CompareArguments({"prog", "-C", "run", "me"}, {"prog", "-C", "run", "me"}).empty());
+}

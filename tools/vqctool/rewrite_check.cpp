@@ -31,6 +31,19 @@ constexpr std::string_view kLettersWithValue = "FfISVachuv";
 
 bool IsCommandLineOption(const std::string& element) noexcept { return element.size() > 1 && element[0] == '-' && element[1] == 'C'; }
 
+// The option elements before -C, without the values of the options that take one.
+std::vector<std::string> OptionElements(const std::vector<std::string>& arguments) {
+    std::vector<std::string> options;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::string& element = arguments[i];
+        if (IsCommandLineOption(element)) break;
+        if (element.size() < 2 || element[0] != '-') continue;
+        options.push_back(element);
+        if (kLettersWithValue.find(element[1]) != std::string_view::npos) ++i;  // its value, whatever it looks like
+    }
+    return options;
+}
+
 // The elements after -C (empty when there is none).
 std::vector<std::string> CommandArguments(const std::vector<std::string>& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i)
@@ -79,18 +92,11 @@ std::vector<CheckFinding> CompareRewrite(const ConnectionSettings& before, const
 std::vector<CheckFinding> CompareArguments(const std::vector<std::string>& file,
                                            const std::vector<std::string>& rewritten) {
     std::vector<CheckFinding> findings;
-    for (std::size_t i = 1; i < file.size(); ++i) {
-        const std::string& element = file[i];
-        if (IsCommandLineOption(element)) break;
-        if (element.size() < 2 || element[0] != '-') continue;
+    const std::vector<std::string> written = OptionElements(rewritten);
+    for (const std::string& element : OptionElements(file)) {
         const char letter = element[1];
-        if (kLettersWithValue.find(letter) != std::string_view::npos) {
-            ++i;  // its value, whatever it looks like
-            continue;
-        }
         if (kReadLetters.find(letter) != std::string_view::npos) continue;
-        const bool written = std::find(rewritten.begin(), rewritten.end(), element) != rewritten.end();
-        if (written) continue;
+        if (std::find(written.begin(), written.end(), element) != written.end()) continue;
         findings.push_back({"option " + element, element, "",
                             letter == 'T' ? "-T is never read back, so a rewrite drops it"
                                           : element + " is never read, so a rewrite drops it"});
