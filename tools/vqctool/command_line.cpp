@@ -96,11 +96,8 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     for (std::size_t i = next; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (!optionsEnded && argument.size() > 1 && argument[0] == '-') {
-            auto value = [&](const char* option) -> const std::string* {
-                if (i + 1 >= arguments.size()) return nullptr;
-                (void)option;
-                return &arguments[++i];
-            };
+            // The option's value: the next argument, taken; null at the end of the line.
+            auto value = [&]() -> const std::string* { return i + 1 < arguments.size() ? &arguments[++i] : nullptr; };
             if (argument == "--") {
                 optionsEnded = true;
             } else if (argument == "--help") {
@@ -114,16 +111,16 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
             } else if (argument == "--force" && row->force) {
                 invocation.force = true;
             } else if (argument == "--client-version" && row->clientVersion) {
-                const std::string* text = value("--client-version");
+                const std::string* text = value();
                 const auto number = text ? ParseNumber(*text) : std::nullopt;
                 if (!number) return Failure("--client-version needs a number" + (text ? ", not \"" + *text + "\"" : std::string()), topic);
                 invocation.clientVersion = *number;
             } else if (argument == "--from" && row->iconSource) {
-                const std::string* text = value("--from");
+                const std::string* text = value();
                 if (!text || text->empty()) return Failure("--from needs a file", topic);
                 invocation.iconSource = *text;
             } else if (argument == "--index" && row->iconSource) {
-                const std::string* text = value("--index");
+                const std::string* text = value();
                 const auto number = text ? ParseNumber(*text) : std::nullopt;
                 if (!number || *number < 0) return Failure("--index needs a number of 0 or more" + (text ? ", not \"" + *text + "\"" : std::string()), topic);
                 invocation.iconIndex = *number;
