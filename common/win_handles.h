@@ -102,6 +102,17 @@ struct GlobalMemory {
 }  // namespace handle_traits
 using UniqueGlobalMemory = UniqueHandle<handle_traits::GlobalMemory>;
 
+// A FindFirstFile search: INVALID_HANDLE_VALUE is "none", FindClose ends it.
+namespace handle_traits {
+struct FileSearch {
+    using Handle = HANDLE;
+    static Handle Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+    static bool IsValid(Handle h) noexcept { return h != nullptr && h != INVALID_HANDLE_VALUE; }
+    static void Close(Handle h) noexcept { FindClose(h); }
+};
+}  // namespace handle_traits
+using UniqueFileSearch = UniqueHandle<handle_traits::FileSearch>;
+
 // A critical section that may fail to initialise; usable only when Initialized().
 class OwnedCriticalSection {
 public:

@@ -37,6 +37,10 @@ public:
     // otherwise; null when none is held.
     HICON HandOut();
 
+    // What the reader decoded the icon from (its image block empty otherwise), so that the
+    // image's format can be told without asking Windows for the icon's bitmaps.
+    const DecodedIcon& Decoded() const noexcept { return source_; }
+
 private:
     mutable UniqueIcon handle_;  // made again from source_ on demand once handed out
     DecodedIcon source_;         // handle unused; image empty unless the icon was decoded

@@ -4,6 +4,8 @@ VQC_PACKAGES=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64
   clang libclang-rt-14-dev
   googletest
+  # vqctool's JSON (header-only, used by the MinGW build too).
+  nlohmann-json3-dev
   wine wine64
   xvfb xauth
   # The glyphs of the Korean, Japanese and Chinese pages (scripts/properties.sh --lang).

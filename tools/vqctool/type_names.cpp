@@ -1,0 +1,114 @@
+#include "tools/vqctool/type_names.h"
+
+#include <array>
+#include <cctype>
+
+#include "pages/proxy_page_rules.h"
+#include "resources/local_strings.h"
+
+namespace vqctool {
+
+namespace cp = connection_page;
+
+namespace {
+
+// The English text of a string id; the table's English texts are ASCII.
+std::string EnglishText(std::uint32_t id) {
+    std::string text;
+    if (const char16_t* wide = LocalStringText(id, kEnglishUK))
+        for (; *wide; ++wide) text.push_back(*wide < 0x80 ? static_cast<char>(*wide) : '?');
+    return text;
+}
+
+bool SameName(std::string_view a, std::string_view b) noexcept {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+constexpr std::array<const char*, kRouteEntryCount> kRouteKeywords = {"direct", "proxy", "broker"};
+constexpr std::array<const char*, cp::kConnectionTypeCount> kConnectionKeywords = {"remote", "local", "discovery"};
+constexpr std::array<const char*, cp::kLoginTypeCount> kLoginKeywords = {
+    "password", "cache-password", "text-window", "nt-domain", "nt-no-logon", "windows-domain"};
+
+const RouteEntry* RouteEntryOf(std::int32_t route) noexcept {
+    for (const RouteEntry& entry : kRouteEntries)
+        if (entry.route == route) return &entry;
+    return nullptr;
+}
+
+template <typename Keywords, typename TextOf>
+std::string NameList(const Keywords& keywords, TextOf textOf) {
+    std::string list;
+    for (std::size_t i = 0; i < keywords.size(); ++i) {
+        if (!list.empty()) list += ", ";
+        list += std::string(keywords[i]) + " (" + textOf(i) + ")";
+    }
+    return list;
+}
+
+}  // namespace
+
+std::string RouteText(std::int32_t route) {
+    const RouteEntry* entry = RouteEntryOf(route);
+    return entry ? EnglishText(entry->textId) : std::string();
+}
+
+std::string ShownRouteText(const ConnectionSettings& record) {
+    return EnglishText(kRouteEntries[InitialRouteEntry(&record)].textId);
+}
+
+std::string ConnectionTypeText(cp::ConnectionType type) { return EnglishText(cp::EntryOf(type).textId); }
+
+std::string LoginTypeText(cp::LoginType type) { return EnglishText(cp::EntryOf(type).textId); }
+
+const char* RouteKeyword(std::int32_t route) noexcept {
+    for (int i = 0; i < kRouteEntryCount; ++i)
+        if (kRouteEntries[i].route == route) return kRouteKeywords[static_cast<std::size_t>(i)];
+    return "";
+}
+
+const char* ConnectionTypeKeyword(cp::ConnectionType type) noexcept {
+    return kConnectionKeywords[static_cast<std::size_t>(type)];
+}
+
+const char* LoginTypeKeyword(cp::LoginType type) noexcept { return kLoginKeywords[static_cast<std::size_t>(type)]; }
+
+std::optional<std::int32_t> RouteByName(std::string_view name) {
+    for (int i = 0; i < kRouteEntryCount; ++i)
+        if (SameName(name, kRouteKeywords[static_cast<std::size_t>(i)]) ||
+            SameName(name, EnglishText(kRouteEntries[i].textId)))
+            return kRouteEntries[i].route;
+    return std::nullopt;
+}
+
+std::optional<cp::ConnectionType> ConnectionTypeByName(std::string_view name) {
+    for (const cp::ConnectionTypeEntry& entry : cp::kConnectionTypes)
+        if (SameName(name, ConnectionTypeKeyword(entry.type)) || SameName(name, EnglishText(entry.textId)))
+            return entry.type;
+    return std::nullopt;
+}
+
+std::optional<cp::LoginType> LoginTypeByName(std::string_view name) {
+    for (const cp::LoginTypeEntry& entry : cp::kLoginTypes)
+        if (SameName(name, LoginTypeKeyword(entry.type)) || SameName(name, EnglishText(entry.textId)))
+            return entry.type;
+    return std::nullopt;
+}
+
+std::string RouteNames() {
+    return NameList(kRouteKeywords, [](std::size_t i) { return EnglishText(kRouteEntries[i].textId); });
+}
+
+std::string ConnectionTypeNames() {
+    return NameList(kConnectionKeywords,
+                    [](std::size_t i) { return ConnectionTypeText(static_cast<cp::ConnectionType>(i)); });
+}
+
+std::string LoginTypeNames() {
+    return NameList(kLoginKeywords, [](std::size_t i) { return LoginTypeText(static_cast<cp::LoginType>(i)); });
+}
+
+}  // namespace vqctool
