@@ -136,6 +136,7 @@ void HandedOut(ObjectKind kind, const void* object) {
                                  Hex(reinterpret_cast<std::uintptr_t>(object)));
         return;
     }
+    state.madeAt.erase(object);
     state.live.erase(found);
 }
 
