@@ -49,3 +49,15 @@ inline Pixels PixelsOf(HICON icon) {
     p.mask = BitsOf(info.hbmMask, p.size.cx, p.size.cy, 1);
     return p;
 }
+
+// Two icons of the same size, colour and mask: a copy, or an icon made again from the same
+// image. The first must have pixels at all.
+inline void ExpectSamePixels(HICON copy, HICON original) {
+    const Pixels a = PixelsOf(copy);
+    const Pixels b = PixelsOf(original);
+    EXPECT_FALSE(a.colour.empty());
+    EXPECT_EQ(a.size.cx, b.size.cx);
+    EXPECT_EQ(a.size.cy, b.size.cy);
+    EXPECT_EQ(a.colour, b.colour);
+    EXPECT_EQ(a.mask, b.mask);
+}

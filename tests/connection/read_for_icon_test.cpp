@@ -11,8 +11,11 @@
 #include "connection/option_line.h"
 #include "connection/vqc_file_info.h"
 #include "test_files.h"
+#include "tests/connection/debugger_wait_stand_ins.h"
 #include "tests/connection/icon_pixels.h"
 #include "tests/support/test_icons.h"
+
+using namespace debugger_wait_stand_ins;
 
 namespace {
 
@@ -56,12 +59,6 @@ bool ExpectSameReading(const std::string& content) {
     EXPECT_EQ(whole->localTarget, road->localTarget);
     return static_cast<bool>(whole->icon);
 }
-
-int g_breaks = 0;
-bool AlwaysPresent() { return true; }
-void CountBreak() { ++g_breaks; }
-void NoSleep(DWORD) {}
-void NoAnnounce(const char*) {}
 
 }  // namespace
 

@@ -21,15 +21,6 @@ void DecodeTwo(std::uint16_t bitsPerPixel, DecodedIcon* large, DecodedIcon* smal
     ASSERT_EQ(DecodeIconImages(text.c_str(), large, small), 1);
 }
 
-void ExpectSamePixels(HICON copy, HICON original) {
-    const Pixels a = PixelsOf(copy);
-    const Pixels b = PixelsOf(original);
-    EXPECT_EQ(a.size.cx, b.size.cx);
-    EXPECT_EQ(a.size.cy, b.size.cy);
-    EXPECT_EQ(a.colour, b.colour);
-    EXPECT_EQ(a.mask, b.mask);
-}
-
 }  // namespace
 
 TEST(DecodeIconImages, KeepsEachImageBlockWithTheSizeItWasMadeAt) {

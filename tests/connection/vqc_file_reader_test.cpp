@@ -8,7 +8,10 @@
 #include "connection/argument_vector.h"
 #include "connection/vqc_file_info.h"
 #include "test_files.h"
+#include "tests/connection/debugger_wait_stand_ins.h"
 #include "tests/support/test_icons.h"
+
+using namespace debugger_wait_stand_ins;
 
 namespace {
 
@@ -243,14 +246,6 @@ TEST(Reader, ServicePortFollowsAtoi) {
     Record r = ReadText("-V \" 4790x\"");
     EXPECT_EQ(r->servicePort, 4790);
 }
-
-namespace {
-int g_breaks = 0;
-bool AlwaysPresent() { return true; }
-void CountBreak() { ++g_breaks; }
-void NoSleep(DWORD) {}
-void NoAnnounce(const char*) {}
-}  // namespace
 
 TEST(Reader, DisguiseHttpIsSwitchedOffByALaterDoubleDashAndDebugStartsTheWait) {
     g_breaks = 0;

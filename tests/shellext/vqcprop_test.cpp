@@ -510,16 +510,6 @@ ComPtr<IUnknown> LoadedObject(const std::string& path) {
     return object;
 }
 
-void ExpectSamePixels(HICON a, HICON b) {
-    const Pixels first = PixelsOf(a);
-    const Pixels second = PixelsOf(b);
-    EXPECT_FALSE(first.colour.empty());
-    EXPECT_EQ(first.size.cx, second.size.cx);
-    EXPECT_EQ(first.size.cy, second.size.cy);
-    EXPECT_EQ(first.colour, second.colour);
-    EXPECT_EQ(first.mask, second.mask);
-}
-
 }  // namespace
 
 TEST(VQCPropIcon, ExtractedHandlesAreTheCallersToDestroyAfterTheObjectIsGone) {
