@@ -65,7 +65,9 @@ using UniqueModule = UniqueHandle<handle_traits::NullInvalid<HMODULE, FreeLibrar
 class WindowDC {
 public:
     explicit WindowDC(HWND window) noexcept : window_(window), dc_(GetDC(window)) {}
-    ~WindowDC() { if (dc_) ReleaseDC(window_, dc_); }
+    ~WindowDC() {
+        if (dc_) ReleaseDC(window_, dc_);
+    }
     WindowDC(const WindowDC&) = delete;
     WindowDC& operator=(const WindowDC&) = delete;
     HDC Get() const noexcept { return dc_; }
@@ -82,7 +84,9 @@ using UniqueMemoryDC = UniqueHandle<handle_traits::NullInvalid<HDC, DeleteDC>>;
 class SelectedObject {
 public:
     SelectedObject(HDC dc, HGDIOBJ object) noexcept : dc_(dc), old_(SelectObject(dc, object)) {}
-    ~SelectedObject() { if (old_ && old_ != HGDI_ERROR) SelectObject(dc_, old_); }
+    ~SelectedObject() {
+        if (old_ && old_ != HGDI_ERROR) SelectObject(dc_, old_);
+    }
     SelectedObject(const SelectedObject&) = delete;
     SelectedObject& operator=(const SelectedObject&) = delete;
 
@@ -119,7 +123,9 @@ public:
     using Initializer = BOOL(WINAPI*)(LPCRITICAL_SECTION, DWORD, DWORD);
     explicit OwnedCriticalSection(Initializer initialize) noexcept
         : initialized_(initialize(&section_, 0, 0) != FALSE) {}
-    ~OwnedCriticalSection() { if (initialized_) DeleteCriticalSection(&section_); }
+    ~OwnedCriticalSection() {
+        if (initialized_) DeleteCriticalSection(&section_);
+    }
     OwnedCriticalSection(const OwnedCriticalSection&) = delete;
     OwnedCriticalSection& operator=(const OwnedCriticalSection&) = delete;
     bool Initialized() const noexcept { return initialized_; }

@@ -4,18 +4,15 @@
 
 #include "common/ansi_text.h"
 
-bool SplitAddress(const char* text, std::string* userOut, std::string* hostOut,
-                  std::int32_t* portOut) {
+bool SplitAddress(const char* text, std::string* userOut, std::string* hostOut, std::int32_t* portOut) {
     if (!text) return false;
     const std::string_view address(text);
     constexpr std::ptrdiff_t kNone = -1;
 
     const std::size_t atFound = address.find('@');
-    const std::ptrdiff_t at =
-        atFound == std::string_view::npos ? kNone : static_cast<std::ptrdiff_t>(atFound);
+    const std::ptrdiff_t at = atFound == std::string_view::npos ? kNone : static_cast<std::ptrdiff_t>(atFound);
     const std::size_t colonFound = address.find(':');
-    const std::ptrdiff_t colon =
-        colonFound == std::string_view::npos ? kNone : static_cast<std::ptrdiff_t>(colonFound);
+    const std::ptrdiff_t colon = colonFound == std::string_view::npos ? kNone : static_cast<std::ptrdiff_t>(colonFound);
 
     const std::string_view user = at == kNone ? std::string_view() : address.substr(0, at);
 

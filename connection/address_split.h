@@ -10,5 +10,4 @@
 // only when a colon is followed by text, with atoi's rules. Nothing is trimmed. The colon
 // is searched in the whole text, so a colon before the '@' leaves an empty host; a colon
 // at position 0 lets the host run to the end of the text. Both are kept as they are.
-bool SplitAddress(const char* text, std::string* userOut, std::string* hostOut,
-                  std::int32_t* portOut);
+bool SplitAddress(const char* text, std::string* userOut, std::string* hostOut, std::int32_t* portOut);

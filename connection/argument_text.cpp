@@ -47,8 +47,7 @@ void AppendJoinedLines(std::string& joined, std::string_view text) {
         if (end == text.size()) break;
         const char c = text[end];
         const bool hasNext = end + 1 < text.size();
-        if (!(c == '\r' && hasNext && text[end + 1] == '\n') && hasNext && text[end + 1] == '-')
-            joined.push_back(' ');
+        if (!(c == '\r' && hasNext && text[end + 1] == '\n') && hasNext && text[end + 1] == '-') joined.push_back(' ');
         i = end + 1;
     }
 }
@@ -69,12 +68,10 @@ void ApplyQuoteRule(std::string& text) {
     std::size_t quote = FindEither(view, kMatch.size() - 1, '\'', '\'');
     while (quote < view.size() && view.substr(quote - (kMatch.size() - 1), kMatch.size()) != kMatch)
         quote = FindEither(view, quote + 1, '\'', '\'');
-    for (; quote < text.size(); quote = FindEither(view, quote + 1, '\'', '\''))
-        text[quote] = '"';
+    for (; quote < text.size(); quote = FindEither(view, quote + 1, '\'', '\'')) text[quote] = '"';
 }
 
-std::string PrepareCommandLine(std::string_view programPath, bool withProgramName,
-                               std::string_view text) {
+std::string PrepareCommandLine(std::string_view programPath, bool withProgramName, std::string_view text) {
     const std::string_view content = UpToFirstNul(text);
     std::string line;
     line.reserve(programPath.size() + 1 + content.size());
@@ -87,15 +84,11 @@ std::string PrepareCommandLine(std::string_view programPath, bool withProgramNam
     return line;
 }
 
-bool StartsDebuggerWait(std::string_view argument) noexcept {
-    return argument.substr(0, 7) == "--debug";
-}
+bool StartsDebuggerWait(std::string_view argument) noexcept { return argument.substr(0, 7) == "--debug"; }
 
 namespace {
 
-char LowerAscii(char c) noexcept {
-    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
+char LowerAscii(char c) noexcept { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) noexcept {
     if (a.size() != b.size()) return false;

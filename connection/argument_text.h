@@ -23,8 +23,7 @@ void ApplyQuoteRule(std::string& text);
 
 // The command line handed to the splitter: the program path unquoted and one blank
 // when a path is given, then the joined text, then the quote rule over the whole.
-std::string PrepareCommandLine(std::string_view programPath, bool withProgramName,
-                               std::string_view text);
+std::string PrepareCommandLine(std::string_view programPath, bool withProgramName, std::string_view text);
 
 // Every argument that begins with "--debug" (so "--debugger" too) starts the debugger wait.
 bool StartsDebuggerWait(std::string_view argument) noexcept;
@@ -40,6 +39,7 @@ struct RegistrationKeyword {
     RegistrationState state;
 };
 
+// clang-format off
 inline constexpr RegistrationKeyword kRegistrationKeywords[] = {
     // word                 install perUser sandbox
     {"register",            {1, 0, 0}},
@@ -53,6 +53,7 @@ inline constexpr RegistrationKeyword kRegistrationKeywords[] = {
     {"unregisteruser",      {0, 1, 0}},
     {"unregserveruser",     {0, 1, 0}},
 };
+// clang-format on
 
 // The keyword named by an argument such as "/RegServer" or "-unregister": a leading
 // '-' or '/', then a whole keyword in any letter case. Null when there is none.

@@ -33,9 +33,7 @@ std::string ProgramPath() {
 
 }  // namespace
 
-DebuggerWaitHooks RealDebuggerWaitHooks() noexcept {
-    return {RealDebuggerPresent, RealBreak, RealSleep, RealAnnounce};
-}
+DebuggerWaitHooks RealDebuggerWaitHooks() noexcept { return {RealDebuggerPresent, RealBreak, RealSleep, RealAnnounce}; }
 
 DebuggerWaitHooks SetDebuggerWaitHooks(const DebuggerWaitHooks& hooks) noexcept {
     const DebuggerWaitHooks previous = g_debuggerWait;
@@ -63,15 +61,17 @@ void WaitForDebugger() {
 
 std::int32_t RedirectRegistryToSandbox(const char* prefix) {
     UniqueRegKey sandbox;
-    if (RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Marrowby\\setup\\sandbox", 0, nullptr, 0,
-                        KEY_READ | KEY_WRITE, nullptr, sandbox.Put(), nullptr) != ERROR_SUCCESS)
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Marrowby\\setup\\sandbox", 0, nullptr, 0, KEY_READ | KEY_WRITE,
+                        nullptr, sandbox.Put(), nullptr) != ERROR_SUCCESS)
         return 0;
 
     static const struct {
         HKEY root;
         const char* name;
+        // clang-format off
     } kRoots[] = {
         {HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT"},
+        // clang-format on
         {HKEY_CURRENT_CONFIG, "HKEY_CURRENT_CONFIG"},
         {HKEY_CURRENT_USER, "HKEY_CURRENT_USER"},
         {HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE"},
@@ -87,26 +87,24 @@ std::int32_t RedirectRegistryToSandbox(const char* prefix) {
         else
             std::snprintf(name, sizeof(name), "%s", root.name);
         UniqueRegKey redirected;
-        if (RegCreateKeyExA(sandbox.Get(), name, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
-                            redirected.Put(), nullptr) != ERROR_SUCCESS ||
+        if (RegCreateKeyExA(sandbox.Get(), name, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, redirected.Put(),
+                            nullptr) != ERROR_SUCCESS ||
             RegOverridePredefKey(root.root, redirected.Get()) != ERROR_SUCCESS)
             result = 0;
     }
     return result;
 }
 
-std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut,
-                                 bool withProgramName, void* context,
-                                 RegistrationCallback registrationCallback,
-                                 std::int32_t* callbackResultOut) {
-    return BuildArgumentVector(text ? std::string_view(text) : std::string_view(), argcOut, argvOut,
-                               withProgramName, context, registrationCallback, callbackResultOut);
+std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut, bool withProgramName, void* context,
+                                 RegistrationCallback registrationCallback, std::int32_t* callbackResultOut) {
+    return BuildArgumentVector(text ? std::string_view(text) : std::string_view(), argcOut, argvOut, withProgramName,
+                               context, registrationCallback, callbackResultOut);
 }
 
 WideArguments::WideArguments(std::string_view text, bool withProgramName)
     : kernel32_(LoadLibraryExA("kernel32.dll", nullptr, 0)) {
-    const std::string line = argument_text::PrepareCommandLine(
-        withProgramName ? ProgramPath() : std::string(), withProgramName, text);
+    const std::string line =
+        argument_text::PrepareCommandLine(withProgramName ? ProgramPath() : std::string(), withProgramName, text);
 
     // The two code-page conversions, looked up in kernel32.dll at run time.
     if (!kernel32_) return;
@@ -158,9 +156,8 @@ bool WideArguments::StartsDebuggerWait(int index) const {
     return argument_text::StartsDebuggerWait(std::string_view(ascii, length));
 }
 
-std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut,
-                                 bool withProgramName, void* context,
-                                 RegistrationCallback registrationCallback,
+std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut, bool withProgramName,
+                                 void* context, RegistrationCallback registrationCallback,
                                  std::int32_t* callbackResultOut) {
     const WideArguments wide(text, withProgramName);
     if (!wide.Ok()) return 0;
@@ -195,8 +192,7 @@ std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** ar
     if (argvOut) *argvOut = static_cast<char**>(block.Detach());
 
     if (!registrationCallback || argc < 2) return 0;
-    const argument_text::RegistrationKeyword* keyword =
-        argument_text::FindRegistrationKeyword(argv[1]);
+    const argument_text::RegistrationKeyword* keyword = argument_text::FindRegistrationKeyword(argv[1]);
     if (!keyword) return 0;
     RegistrationState state = keyword->state;
     if (state.sandbox) RedirectRegistryToSandbox(nullptr);

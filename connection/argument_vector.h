@@ -22,16 +22,13 @@ using RegistrationCallback = std::int32_t (*)(RegistrationState* state, void* co
 // LocalFree. Returns 1 when the first argument after the program path was a
 // registration keyword and the callback ran, else 0. On an allocation failure it
 // returns early and leaves the outputs unset.
-std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut,
-                                 bool withProgramName, void* context,
-                                 RegistrationCallback registrationCallback,
-                                 std::int32_t* callbackResultOut);
+std::int32_t BuildArgumentVector(const char* text, int* argcOut, char*** argvOut, bool withProgramName, void* context,
+                                 RegistrationCallback registrationCallback, std::int32_t* callbackResultOut);
 
 // The same for a text that need not end in a zero byte, as a mapped file does not: it
 // ends at its size or at its first zero byte, whichever comes first.
-std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut,
-                                 bool withProgramName, void* context,
-                                 RegistrationCallback registrationCallback,
+std::int32_t BuildArgumentVector(std::string_view text, int* argcOut, char*** argvOut, bool withProgramName,
+                                 void* context, RegistrationCallback registrationCallback,
                                  std::int32_t* callbackResultOut);
 
 // The split BuildArgumentVector makes of an option text, before its elements go back to 8

@@ -39,7 +39,7 @@ struct ConnectionSettings {
     std::int32_t servicePort = kServicePortNotGiven;  // -V
     std::int32_t proxyPort = kDefaultProxyPort;       // port of -c
     std::int32_t brokerPort = kDefaultBrokerPort;     // port of -f / -F
-    std::uint32_t lastError = 0;  // Windows error of the last failed read or write
+    std::uint32_t lastError = 0;                      // Windows error of the last failed read or write
 
     std::uint8_t modified = 0;
     std::uint8_t encrypt = 0;       // -l

@@ -30,8 +30,7 @@ std::optional<BITMAPINFOHEADER> QueryBitmapFormat(HDC dc, HBITMAP bitmap) {
 }
 
 // A bitmap's rows bottom-up at 1 bit per pixel.
-std::optional<std::vector<std::uint8_t>> ReadOneBitRows(HDC dc, HBITMAP bitmap, std::int32_t width,
-                                                        std::int32_t rows) {
+std::optional<std::vector<std::uint8_t>> ReadOneBitRows(HDC dc, HBITMAP bitmap, std::int32_t width, std::int32_t rows) {
     BitmapInfoWithColours info{};
     info.header.biSize = sizeof(BITMAPINFOHEADER);
     info.header.biWidth = width;
@@ -173,8 +172,7 @@ std::uint64_t EncodeIcons(char** out, HICON icon, HICON smallIcon) {
 
 std::int32_t DecodeIcons(const char* text, HICON* iconOut, HICON* smallIconOut) {
     DecodedIcon icon, smallIcon;
-    const std::int32_t result =
-        Decode(text, iconOut ? &icon : nullptr, smallIconOut ? &smallIcon : nullptr, false);
+    const std::int32_t result = Decode(text, iconOut ? &icon : nullptr, smallIconOut ? &smallIcon : nullptr, false);
     if (iconOut) *iconOut = icon.handle.Detach();
     if (smallIconOut) *smallIconOut = smallIcon.handle.Detach();
     return result;

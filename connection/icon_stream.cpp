@@ -53,16 +53,15 @@ private:
 
 std::uint32_t ColourTableEntries(std::uint16_t bitsPerPixel) {
     switch (bitsPerPixel) {
-        case 1: return 2;
-        case 4: return 16;
-        case 8: return 256;
-        default: return 0;
+    case 1: return 2;
+    case 4: return 16;
+    case 8: return 256;
+    default: return 0;
     }
 }
 
 std::uint32_t XorRowBytes(const IconImageFormat& f) {
-    const std::uint64_t bits =
-        std::uint64_t{f.planes} * f.bitsPerPixel * static_cast<std::uint32_t>(f.width);
+    const std::uint64_t bits = std::uint64_t{f.planes} * f.bitsPerPixel * static_cast<std::uint32_t>(f.width);
     return static_cast<std::uint32_t>((bits + 31) / 32 * 4);
 }
 
@@ -80,10 +79,8 @@ std::uint8_t DirectoryColourCount(const IconImageFormat& f) {
     return depth < 9 ? static_cast<std::uint8_t>(1u << depth) : 0;
 }
 
-IconImage IconImage::Make(const IconImageFormat& format,
-                          const std::vector<std::uint8_t>& colourTable,
-                          const std::vector<std::uint8_t>& xorBits,
-                          const std::vector<std::uint8_t>& andBits) {
+IconImage IconImage::Make(const IconImageFormat& format, const std::vector<std::uint8_t>& colourTable,
+                          const std::vector<std::uint8_t>& xorBits, const std::vector<std::uint8_t>& andBits) {
     const std::uint64_t rows = static_cast<std::uint32_t>(format.height);
     if (format.width <= 0 || format.height <= 0 ||
         colourTable.size() != 4ull * ColourTableEntries(format.bitsPerPixel) ||
@@ -113,11 +110,9 @@ IconImage MakeMonochromeIconImage(std::int32_t width, std::int32_t height,
     format.height = height;
     format.planes = 1;
     format.bitsPerPixel = 1;
-    if (width <= 0 || height <= 0)
-        throw std::invalid_argument("icon image parts do not match the format");
+    if (width <= 0 || height <= 0) throw std::invalid_argument("icon image parts do not match the format");
     const std::size_t halfBytes = std::size_t{AndRowBytes(format)} * static_cast<std::uint32_t>(height);
-    if (doubleMaskBits.size() != 2 * halfBytes)
-        throw std::invalid_argument("icon image parts do not match the format");
+    if (doubleMaskBits.size() != 2 * halfBytes) throw std::invalid_argument("icon image parts do not match the format");
     static const std::vector<std::uint8_t> kBlackWhite = {0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0};
     const auto middle = doubleMaskBits.begin() + static_cast<std::ptrdiff_t>(halfBytes);
     return IconImage::Make(format, kBlackWhite, std::vector<std::uint8_t>(doubleMaskBits.begin(), middle),
@@ -147,8 +142,7 @@ std::vector<std::uint8_t> BuildIconStream(const IconImage* images, std::size_t c
         PutLittleEndian(entry + 12, offset, 4);
         offset += images[i].dib.size();
     }
-    for (std::size_t i = 0; i < count; ++i)
-        stream.insert(stream.end(), images[i].dib.begin(), images[i].dib.end());
+    for (std::size_t i = 0; i < count; ++i) stream.insert(stream.end(), images[i].dib.begin(), images[i].dib.end());
     return stream;
 }
 

@@ -39,10 +39,8 @@ std::uint8_t DirectoryColourCount(const IconImageFormat& format);
 struct IconImage {
     IconImageFormat format;
     std::vector<std::uint8_t> dib;
-    static IconImage Make(const IconImageFormat& format,
-                          const std::vector<std::uint8_t>& colourTable,
-                          const std::vector<std::uint8_t>& xorBits,
-                          const std::vector<std::uint8_t>& andBits);
+    static IconImage Make(const IconImageFormat& format, const std::vector<std::uint8_t>& colourTable,
+                          const std::vector<std::uint8_t>& xorBits, const std::vector<std::uint8_t>& andBits);
 };
 
 // A black-and-white icon has no colour bitmap: its mask bitmap is twice as high, the
@@ -66,8 +64,7 @@ char* WriteHexText(char* out, const std::uint8_t* bytes, std::size_t count);
 // index 1 (the small icon). Later images are read and dropped without a call.
 class IconImageSink {
 public:
-    virtual void TakeImage(std::uint32_t index, const std::uint8_t* bytes,
-                           std::uint32_t size) = 0;
+    virtual void TakeImage(std::uint32_t index, const std::uint8_t* bytes, std::uint32_t size) = 0;
 
 protected:
     ~IconImageSink() = default;

@@ -14,8 +14,8 @@ bool MappedFile::Fail() noexcept {
 bool MappedFile::Open(const char* path, MapAccess access) {
     Close();
     const MapAccessRule& rule = RuleFor(access);
-    file_.Reset(CreateFileA(path, rule.fileAccess, rule.shareMode, nullptr, OPEN_EXISTING,
-                            FILE_ATTRIBUTE_NORMAL, nullptr));
+    file_.Reset(
+        CreateFileA(path, rule.fileAccess, rule.shareMode, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file_) return Fail();
     mapping_.Reset(CreateFileMappingA(file_.Get(), nullptr, rule.pageProtection, 0, 0, nullptr));
     if (!mapping_) return Fail();

@@ -19,6 +19,7 @@ struct MapAccessRule {
     DWORD viewAccess;
 };
 
+// clang-format off
 inline constexpr MapAccessRule kMapAccessRules[] = {
     // access                 file access                          share            protection          view
     {MapAccess::ReadOnly,    GENERIC_READ,                        FILE_SHARE_READ, PAGE_READONLY,      FILE_MAP_READ},
@@ -26,6 +27,7 @@ inline constexpr MapAccessRule kMapAccessRules[] = {
     {MapAccess::WriteCopy,   GENERIC_READ | GENERIC_WRITE,        0,               PAGE_WRITECOPY,     FILE_MAP_COPY},
     {MapAccess::ExecuteRead, GENERIC_READ | GENERIC_EXECUTE,      FILE_SHARE_READ, PAGE_EXECUTE_READ,  FILE_MAP_READ | FILE_MAP_EXECUTE},
 };
+// clang-format on
 
 const MapAccessRule& RuleFor(MapAccess access) noexcept;
 

@@ -33,8 +33,7 @@ void EmitRemoteOptions(std::string& out, const ConnectionSettings& s) {
     }
 
     const std::int32_t defaultPort = s.encrypt ? kDefaultEncryptedServicePort : kDefaultServicePort;
-    if (!s.serviceName.empty() && s.servicePort != kServicePortNotGiven &&
-        s.servicePort != defaultPort) {
+    if (!s.serviceName.empty() && s.servicePort != kServicePortNotGiven && s.servicePort != defaultPort) {
         std::string port;
         ansi_text::AppendFormat(port, "%d", s.servicePort);
         EmitText(out, 'V', port);
@@ -42,13 +41,11 @@ void EmitRemoteOptions(std::string& out, const ConnectionSettings& s) {
 
     if (s.optionR) EmitOption(out, 'R', nullptr, false);
 
-    if (s.clientVersion >= kFirstVersionWithAutomaticM &&
-        s.clientVersion <= kLastVersionWithAutomaticM && !s.noOptionM &&
-        !s.serviceName.empty() && !s.optionNM)
+    if (s.clientVersion >= kFirstVersionWithAutomaticM && s.clientVersion <= kLastVersionWithAutomaticM &&
+        !s.noOptionM && !s.serviceName.empty() && !s.optionNM)
         EmitOption(out, 'M', nullptr, false);
 
-    if (s.clientVersion >= kFirstVersionWithRoutes &&
-        s.clientVersion != kVersionWithoutEncryptOption && s.encrypt)
+    if (s.clientVersion >= kFirstVersionWithRoutes && s.clientVersion != kVersionWithoutEncryptOption && s.encrypt)
         EmitOption(out, 'l', nullptr, false);
 
     if (s.option_s) EmitOption(out, 's', nullptr, false);
@@ -56,16 +53,14 @@ void EmitRemoteOptions(std::string& out, const ConnectionSettings& s) {
     if (s.clientVersion >= kFirstVersionWithRoutes) {
         if (!s.brokerHost.empty() && s.route == kRouteBroker) {
             std::string broker = s.brokerHost;
-            if (s.brokerPort != kDefaultBrokerPort)
-                ansi_text::AppendFormat(broker, ":%d", s.brokerPort);
+            if (s.brokerPort != kDefaultBrokerPort) ansi_text::AppendFormat(broker, ":%d", s.brokerPort);
             EmitText(out, s.brokerUpperF ? 'F' : 'f', broker);
         }
         if (!s.proxyHost.empty() && s.route == kRouteProxy) {
             std::string proxy;
             if (!s.proxyUser.empty()) proxy = s.proxyUser + "@";
             proxy += s.proxyHost;
-            if (s.proxyPort != kDefaultProxyPort)
-                ansi_text::AppendFormat(proxy, ":%d", s.proxyPort);
+            if (s.proxyPort != kDefaultProxyPort) ansi_text::AppendFormat(proxy, ":%d", s.proxyPort);
             EmitText(out, 'c', proxy);
         }
     }
@@ -82,9 +77,8 @@ void EmitOption(std::string& out, char letter, const char* value, bool alwaysQuo
     }
     const std::size_t length = std::strlen(value);
     // A tab separates arguments on reading as a blank does, so it is quoted the same way.
-    const bool quote = !EnclosedInQuotes(value, length) &&
-                       (alwaysQuote || std::memchr(value, ' ', length) != nullptr ||
-                        std::memchr(value, '\t', length) != nullptr);
+    const bool quote = !EnclosedInQuotes(value, length) && (alwaysQuote || std::memchr(value, ' ', length) != nullptr ||
+                                                            std::memchr(value, '\t', length) != nullptr);
     // Appended piecewise rather than through "%s": the icon text alone can be large.
     out.push_back('-');
     out.push_back(letter);

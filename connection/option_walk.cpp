@@ -106,72 +106,43 @@ private:
 
     void TakeOption(const char* element) {
         switch (element[1]) {
-            case '-':
-                s_.disguiseHttp = std::strcmp(element + 2, "disguise-http") == 0 ? 1 : 0;
-                break;
-            case 'F':
-            case 'f':
-                TakeBroker();
-                break;
-            case 'I':
-                icon_.kind = IconInstruction::Kind::Decode;
-                icon_.text = NextArgument();
-                break;
-            case 'i':
-                icon_.kind = IconInstruction::Kind::Clear;
-                icon_.text = nullptr;
-                break;
-            case 'K':
-                s_.optionK = 1;
-                s_.noOptionM = 0;
-                break;
-            case 'L':
-                s_.optionL = 1;
-                break;
-            case 'M':
-                s_.noOptionM = 0;
-                break;
-            case 'N':
-                s_.optionN = 1;
-                break;
-            case 'R':
-                s_.optionR = 1;
-                break;
-            case 'S':
-                s_.startDirectory = TrimmedOrEmpty(NextArgument());
-                break;
-            case 's':
-                s_.option_s = 1;
-                break;
-            case 'V': {
-                const char* port = NextArgument();
-                s_.servicePort = port ? ansi_text::ParseDecimal(port) : 0;
-                break;
-            }
-            case 'a':
-                s_.answerBack = TrimmedOrEmpty(NextArgument());
-                break;
-            case 'c':
-                SplitAddress(NextArgument(), &s_.proxyUser, &s_.proxyHost, &s_.proxyPort);
-                s_.route = kRouteProxy;
-                break;
-            case 'd':
-                s_.localConnect = 1;
-                break;
-            case 'h':
-                s_.host = TrimmedOrEmpty(NextArgument());
-                break;
-            case 'l':
-                s_.encrypt = 1;
-                break;
-            case 'u':
-                s_.login = TrimmedOrEmpty(NextArgument());
-                break;
-            case 'v':
-                s_.serviceName = TrimmedOrEmpty(NextArgument());
-                break;
-            default:
-                break;  // unknown letters (and '-' alone) take no argument
+        case '-': s_.disguiseHttp = std::strcmp(element + 2, "disguise-http") == 0 ? 1 : 0; break;
+        case 'F':
+        case 'f': TakeBroker(); break;
+        case 'I':
+            icon_.kind = IconInstruction::Kind::Decode;
+            icon_.text = NextArgument();
+            break;
+        case 'i':
+            icon_.kind = IconInstruction::Kind::Clear;
+            icon_.text = nullptr;
+            break;
+        case 'K':
+            s_.optionK = 1;
+            s_.noOptionM = 0;
+            break;
+        case 'L': s_.optionL = 1; break;
+        case 'M': s_.noOptionM = 0; break;
+        case 'N': s_.optionN = 1; break;
+        case 'R': s_.optionR = 1; break;
+        case 'S': s_.startDirectory = TrimmedOrEmpty(NextArgument()); break;
+        case 's': s_.option_s = 1; break;
+        case 'V': {
+            const char* port = NextArgument();
+            s_.servicePort = port ? ansi_text::ParseDecimal(port) : 0;
+            break;
+        }
+        case 'a': s_.answerBack = TrimmedOrEmpty(NextArgument()); break;
+        case 'c':
+            SplitAddress(NextArgument(), &s_.proxyUser, &s_.proxyHost, &s_.proxyPort);
+            s_.route = kRouteProxy;
+            break;
+        case 'd': s_.localConnect = 1; break;
+        case 'h': s_.host = TrimmedOrEmpty(NextArgument()); break;
+        case 'l': s_.encrypt = 1; break;
+        case 'u': s_.login = TrimmedOrEmpty(NextArgument()); break;
+        case 'v': s_.serviceName = TrimmedOrEmpty(NextArgument()); break;
+        default: break;  // unknown letters (and '-' alone) take no argument
         }
     }
 

@@ -25,13 +25,9 @@ VQCFileInfo::VQCFileInfo(const char* path) : ConnectionSettings(path) {}
 
 VQCFileInfo::~VQCFileInfo() = default;  // the icon owners destroy both icons
 
-STDMETHODIMP VQCFileInfo::QueryInterface(REFIID, void**) {
-    return E_NOINTERFACE;
-}
+STDMETHODIMP VQCFileInfo::QueryInterface(REFIID, void**) { return E_NOINTERFACE; }
 
-STDMETHODIMP_(ULONG) VQCFileInfo::AddRef() {
-    return ++refCount;
-}
+STDMETHODIMP_(ULONG) VQCFileInfo::AddRef() { return ++refCount; }
 
 STDMETHODIMP_(ULONG) VQCFileInfo::Release() {
     if (refCount == 1) {

@@ -40,8 +40,8 @@ std::int32_t VQCFileInfo::Write(const char* path) {
         throw HResultError(kResultInvalidArg);
     }
 
-    const UniqueKernelHandle file(CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueKernelHandle file(
+        CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) {
         lastError = GetLastError();
         return 1;

@@ -23,8 +23,8 @@ int AddListItem(HWND list, const char* text) {
 }
 
 int FindListItem(HWND list, const char* text) {
-    return static_cast<int>(SendMessageA(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                         reinterpret_cast<LPARAM>(text)));
+    return static_cast<int>(
+        SendMessageA(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text)));
 }
 
 int ListSelection(HWND list) { return static_cast<int>(SendMessageA(list, CB_GETCURSEL, 0, 0)); }
@@ -128,8 +128,7 @@ bool CVQCConnectionPage::OnCommand(int id, int code) {
         if (code != EN_CHANGE) return false;
         if (edit) OnServicePortEdited();
         return true;
-    default:
-        break;
+    default: break;
     }
     if (const TextEditField* field = FindTextEdit(id); field && code == EN_CHANGE) {
         if (edit) OnTextEdited(*field);
@@ -206,15 +205,9 @@ void CVQCConnectionPage::ApplyLayoutRule() {
     for (const LayoutStep& step : PlanLayout(SelectedConnectionType(), Record())) {
         const HWND control = Control(step.controlId);
         switch (step.action) {
-        case LayoutAction::Show:
-            ShowWindow(control, SW_SHOW);
-            break;
-        case LayoutAction::Hide:
-            ShowWindow(control, SW_HIDE);
-            break;
-        case LayoutAction::Enable:
-            EnableWindow(control, TRUE);
-            break;
+        case LayoutAction::Show: ShowWindow(control, SW_SHOW); break;
+        case LayoutAction::Hide: ShowWindow(control, SW_HIDE); break;
+        case LayoutAction::Enable: EnableWindow(control, TRUE); break;
         }
     }
 }

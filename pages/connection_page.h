@@ -26,7 +26,9 @@ public:
 
     // A test seam: the list position of each entry after the lists were filled; -1 when
     // not added.
-    const connection_page::ConnectionTypeIndices& ConnectionTypeIndexForTesting() const noexcept { return m_connectionTypeIndex; }
+    const connection_page::ConnectionTypeIndices& ConnectionTypeIndexForTesting() const noexcept {
+        return m_connectionTypeIndex;
+    }
     const connection_page::LoginTypeIndices& LoginTypeIndexForTesting() const noexcept { return m_loginTypeIndex; }
 
 private:

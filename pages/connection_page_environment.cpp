@@ -15,8 +15,8 @@ std::vector<std::string> ReadRecentHosts() {
     // A failing index is skipped; the walk also ends past the number of subkeys the key
     // had when opened, so a key deleted under us cannot keep it failing forever.
     DWORD subkeys = 0;
-    if (RegQueryInfoKeyA(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr,
-                         nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+    if (RegQueryInfoKeyA(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr, nullptr) != ERROR_SUCCESS)
         subkeys = 0;
     for (DWORD index = 0; index <= subkeys; ++index) {
         char name[kHostNameBuffer];

@@ -7,13 +7,16 @@
 namespace connection_page {
 
 const std::array<ConnectionTypeEntry, kConnectionTypeCount> kConnectionTypes = {{
+    // clang-format off
     //  type                      text  offered                                          local K  mask
     {ConnectionType::Remote,    34, ConnectionTypeOffered::Always,                         0, 0, 1},
     {ConnectionType::Local,     35, ConnectionTypeOffered::WhenServerModulePresent,        1, 0, 2},
+    // clang-format on
     {ConnectionType::Discovery, 36, ConnectionTypeOffered::WhenRecordFromDiscoveryVersion, 0, 1, 4},
 }};
 
 const std::array<LoginTypeEntry, kLoginTypeCount> kLoginTypes = {{
+    // clang-format off
     //  type                                  text  offered                                          flag                            mask
     {LoginType::AlwaysRequirePassword,    28, LoginTypeOffered::Always,                         nullptr,                        0x01},
     {LoginType::CachePassword,            29, LoginTypeOffered::Always,                         &ConnectionSettings::optionR,   0x02},
@@ -21,17 +24,18 @@ const std::array<LoginTypeEntry, kLoginTypeCount> kLoginTypes = {{
     {LoginType::NtDomain,                 31, LoginTypeOffered::BelowDomainLoginVersion,        &ConnectionSettings::optionN,   0x08},
     {LoginType::NtNoLogon,                33, LoginTypeOffered::BelowDomainLoginVersion,        &ConnectionSettings::optionL,   0x10},
     {LoginType::WindowsDomainCredentials, 32, LoginTypeOffered::FromDomainLoginVersionInDomain, &ConnectionSettings::optionNM,  0x20},
+    // clang-format on
 }};
 
 const std::array<LoginFlag, 5> kLoginFlags = {
-    &ConnectionSettings::optionR, &ConnectionSettings::optionT, &ConnectionSettings::optionN,
+    &ConnectionSettings::optionR, &ConnectionSettings::optionT,  &ConnectionSettings::optionN,
     &ConnectionSettings::optionL, &ConnectionSettings::optionNM,
 };
 
 const std::array<LayoutRow, 4> kLayoutTable = {{
-    {1, {kLoginLabel, kLoginEdit, kLegacyProtocolCheck, kServerLabel, kServerBox, kLoginTypeLabel,
-         kLoginTypeList, kEncryptionCheck, kAnswerBackLabel, kAnswerBackEdit, kServicePortLabel,
-         kServicePortEdit}},
+    {1,
+     {kLoginLabel, kLoginEdit, kLegacyProtocolCheck, kServerLabel, kServerBox, kLoginTypeLabel, kLoginTypeList,
+      kEncryptionCheck, kAnswerBackLabel, kAnswerBackEdit, kServicePortLabel, kServicePortEdit}},
     {2, {kCommandLineLabel, kCommandLineEdit, kStartDirectoryLabel, kStartDirectoryEdit}},
     {3, {kBookmarkLabel, kBookmarkEdit, kServiceNameLabel, kServiceNameEdit}},
     {4, {kDiscoveryLoginLabel, kDiscoveryLoginEdit}},
@@ -64,25 +68,19 @@ const ConnectionTypeEntry& EntryOf(ConnectionType type) noexcept {
     return kConnectionTypes[static_cast<std::size_t>(type)];
 }
 
-const LoginTypeEntry& EntryOf(LoginType type) noexcept {
-    return kLoginTypes[static_cast<std::size_t>(type)];
-}
+const LoginTypeEntry& EntryOf(LoginType type) noexcept { return kLoginTypes[static_cast<std::size_t>(type)]; }
 
-bool IsOffered(const ConnectionTypeEntry& entry, const ConnectionSettings* record,
-               bool serverModulePresent) noexcept {
+bool IsOffered(const ConnectionTypeEntry& entry, const ConnectionSettings* record, bool serverModulePresent) noexcept {
     switch (entry.offered) {
-    case ConnectionTypeOffered::Always:
-        return true;
-    case ConnectionTypeOffered::WhenServerModulePresent:
-        return serverModulePresent;
+    case ConnectionTypeOffered::Always: return true;
+    case ConnectionTypeOffered::WhenServerModulePresent: return serverModulePresent;
     case ConnectionTypeOffered::WhenRecordFromDiscoveryVersion:
         return record != nullptr && record->clientVersion >= kDiscoveryFromVersion;
     }
     return false;
 }
 
-std::vector<ConnectionType> OfferedConnectionTypes(const ConnectionSettings* record,
-                                                   bool serverModulePresent) {
+std::vector<ConnectionType> OfferedConnectionTypes(const ConnectionSettings* record, bool serverModulePresent) {
     std::vector<ConnectionType> offered;
     for (const ConnectionTypeEntry& entry : kConnectionTypes)
         if (IsOffered(entry, record, serverModulePresent)) offered.push_back(entry.type);
@@ -114,19 +112,14 @@ std::int32_t ClientVersionOf(const ConnectionSettings* record) noexcept {
     return record ? record->clientVersion : kUnknownClientVersion;
 }
 
-std::vector<LoginType> OfferedLoginTypes(const ConnectionSettings* record,
-                                         const std::function<bool()>& askInDomain) {
+std::vector<LoginType> OfferedLoginTypes(const ConnectionSettings* record, const std::function<bool()>& askInDomain) {
     const std::int32_t version = ClientVersionOf(record);
     std::vector<LoginType> offered;
     for (const LoginTypeEntry& entry : kLoginTypes) {
         bool add = false;
         switch (entry.offered) {
-        case LoginTypeOffered::Always:
-            add = true;
-            break;
-        case LoginTypeOffered::BelowDomainLoginVersion:
-            add = version < kDomainLoginFromVersion;
-            break;
+        case LoginTypeOffered::Always: add = true; break;
+        case LoginTypeOffered::BelowDomainLoginVersion: add = version < kDomainLoginFromVersion; break;
         case LoginTypeOffered::FromDomainLoginVersionInDomain:
             add = record != nullptr && version >= kDomainLoginFromVersion && askInDomain && askInDomain();
             break;
@@ -162,8 +155,7 @@ std::vector<LayoutStep> PlanLayout(ConnectionType selection, const ConnectionSet
     std::vector<LayoutStep> steps;
     for (const LayoutRow& row : kLayoutTable)
         for (int control : row.controls)
-            if (control != 0)
-                steps.push_back({control, (row.mask & mask) ? LayoutAction::Show : LayoutAction::Hide});
+            if (control != 0) steps.push_back({control, (row.mask & mask) ? LayoutAction::Show : LayoutAction::Hide});
     if (mask == EntryOf(ConnectionType::Discovery).mask) steps.push_back({kLoginEdit, LayoutAction::Enable});
     if (record) {
         const std::int32_t version = record->clientVersion;
@@ -179,8 +171,7 @@ LoginTypeRule PlanLoginTypeRule(std::optional<LoginType> selection) {
     const LoginType type = selection.value_or(LoginType::AlwaysRequirePassword);
     const int mask = EntryOf(type).mask;
     LoginTypeRule rule{{}, LegacyProtocolCheck::Leave};
-    for (const EnableRow& row : kLoginTypeEnableTable)
-        rule.enable.push_back({row.controlId, (row.mask & mask) != 0});
+    for (const EnableRow& row : kLoginTypeEnableTable) rule.enable.push_back({row.controlId, (row.mask & mask) != 0});
     if (type == LoginType::NtDomain) rule.legacyCheck = LegacyProtocolCheck::Check;
     if (type == LoginType::WindowsDomainCredentials) rule.legacyCheck = LegacyProtocolCheck::Uncheck;
     return rule;

@@ -48,10 +48,10 @@ constexpr int kFirstControlId = kConnectionTypeLabel;
 constexpr int kLastControlId = kLegacyProtocolCheck;
 
 // Client versions that gate entries and controls.
-constexpr std::int32_t kDiscoveryFromVersion = 665;       // "Discover service" offered
-constexpr std::int32_t kDomainLoginFromVersion = 690;     // domain credentials replace NT logins
+constexpr std::int32_t kDiscoveryFromVersion = 665;    // "Discover service" offered
+constexpr std::int32_t kDomainLoginFromVersion = 690;  // domain credentials replace NT logins
 constexpr std::int32_t kEncryptionFromVersion = 620;
-constexpr std::int32_t kEncryptionMissingVersion = 640;   // this one client never gets -l
+constexpr std::int32_t kEncryptionMissingVersion = 640;  // this one client never gets -l
 constexpr std::int32_t kLegacyProtocolFirstVersion = 665;
 constexpr std::int32_t kLegacyProtocolLastVersion = 689;
 
@@ -66,7 +66,7 @@ constexpr std::size_t kConnectionTypeCount = 3;
 
 enum class ConnectionTypeOffered : std::uint8_t {
     Always,
-    WhenServerModulePresent,      // "vserver.dll" beside this module
+    WhenServerModulePresent,         // "vserver.dll" beside this module
     WhenRecordFromDiscoveryVersion,  // a record whose client is 665 or newer
 };
 
@@ -85,12 +85,10 @@ extern const std::array<ConnectionTypeEntry, kConnectionTypeCount> kConnectionTy
 const ConnectionTypeEntry& EntryOf(ConnectionType type) noexcept;
 
 // Whether the entry goes into the list; record is null for a page made without one.
-bool IsOffered(const ConnectionTypeEntry& entry, const ConnectionSettings* record,
-               bool serverModulePresent) noexcept;
+bool IsOffered(const ConnectionTypeEntry& entry, const ConnectionSettings* record, bool serverModulePresent) noexcept;
 
 // The entries to add, in table order (the list sorts them itself).
-std::vector<ConnectionType> OfferedConnectionTypes(const ConnectionSettings* record,
-                                                   bool serverModulePresent);
+std::vector<ConnectionType> OfferedConnectionTypes(const ConnectionSettings* record, bool serverModulePresent);
 
 // List positions of the entries after filling, by ConnectionType; -1 when not added.
 using ConnectionTypeIndices = std::array<int, kConnectionTypeCount>;
@@ -119,7 +117,7 @@ constexpr std::size_t kLoginTypeCount = 6;
 
 enum class LoginTypeOffered : std::uint8_t {
     Always,
-    BelowDomainLoginVersion,   // client older than 690
+    BelowDomainLoginVersion,         // client older than 690
     FromDomainLoginVersionInDomain,  // client 690 or newer and the user is in a domain
 };
 
@@ -147,8 +145,7 @@ std::int32_t ClientVersionOf(const ConnectionSettings* record) noexcept;
 
 // The entries to add, in order. askInDomain is called at most once, and only for a record
 // whose client is 690 or newer; without a record the domain entry is never offered.
-std::vector<LoginType> OfferedLoginTypes(const ConnectionSettings* record,
-                                         const std::function<bool()>& askInDomain);
+std::vector<LoginType> OfferedLoginTypes(const ConnectionSettings* record, const std::function<bool()>& askInDomain);
 
 using LoginTypeIndices = std::array<int, kLoginTypeCount>;
 
@@ -201,7 +198,7 @@ struct EnableStep {
 };
 
 struct LoginTypeRule {
-    std::vector<EnableStep> enable;  // in table order
+    std::vector<EnableStep> enable;   // in table order
     LegacyProtocolCheck legacyCheck;  // applied to the check box only, never to the record
 };
 

@@ -22,7 +22,6 @@ int ReadShellIconSize() noexcept {
     std::uint8_t buffer[option_page::kIconSizeSettingBytes] = {};
     DWORD type = REG_NONE;
     DWORD size = sizeof(buffer);
-    const bool read =
-        RegQueryValueExA(key.Get(), kShellIconSizeValue, nullptr, &type, buffer, &size) == ERROR_SUCCESS;
+    const bool read = RegQueryValueExA(key.Get(), kShellIconSizeValue, nullptr, &type, buffer, &size) == ERROR_SUCCESS;
     return option_page::IconSizeFromSetting(read, type, buffer, read ? size : 0);
 }

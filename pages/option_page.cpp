@@ -33,9 +33,9 @@ std::string FormatSourceLabel(const char* pattern, const std::string& name) {
     for (DWORD_PTR& insert : inserts) insert = reinterpret_cast<DWORD_PTR>("");
     inserts[0] = reinterpret_cast<DWORD_PTR>(name.c_str());
     char* text = nullptr;
-    const DWORD length = FormatMessageA(
-        FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY | FORMAT_MESSAGE_ALLOCATE_BUFFER, pattern, 0, 0,
-        reinterpret_cast<char*>(&text), 0, reinterpret_cast<va_list*>(inserts));
+    const DWORD length =
+        FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY | FORMAT_MESSAGE_ALLOCATE_BUFFER,
+                       pattern, 0, 0, reinterpret_cast<char*>(&text), 0, reinterpret_cast<va_list*>(inserts));
     const UniqueLocalMemory owned(text);
     return length ? std::string(text, length) : std::string();
 }
@@ -107,8 +107,7 @@ bool CVQCOptionPage::OnCommand(int id, int code) {
             SendChanged();
         }
         return true;
-    default:
-        return false;
+    default: return false;
     }
 }
 
@@ -133,7 +132,8 @@ void CVQCOptionPage::UpdateSourceLabel() {
 
 void CVQCOptionPage::FillIconList() {
     ClearIconList();
-    const auto count = reinterpret_cast<INT_PTR>(ExtractIconA(TheModuleRuntime().Instance(), m_iconFile.c_str(), UINT(-1)));
+    const auto count =
+        reinterpret_cast<INT_PTR>(ExtractIconA(TheModuleRuntime().Instance(), m_iconFile.c_str(), UINT(-1)));
     if (count <= 0) return;
     for (INT_PTR i = 0; i < count; ++i) {
         HICON large = nullptr;

@@ -14,8 +14,7 @@
 #include "pages/property_page.h"
 #include "ui/resize_layout.h"
 
-class CVQCOptionPage final : public CVQCPropertyPageImpl<CVQCOptionPage>,
-                             public OwnerDrawRouter<CVQCOptionPage> {
+class CVQCOptionPage final : public CVQCPropertyPageImpl<CVQCOptionPage>, public OwnerDrawRouter<CVQCOptionPage> {
 public:
     static constexpr int kTemplateIndex = 3;
     static constexpr std::uint32_t kTitleStringId = 23;

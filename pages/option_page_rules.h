@@ -11,8 +11,8 @@ namespace option_page {
 constexpr int kDefaultIconSize = 32;
 
 // Registry value types as the registry numbers them.
-constexpr std::uint32_t kRegistryString = 1;          // REG_SZ
-constexpr std::uint32_t kRegistryExpandString = 2;    // REG_EXPAND_SZ
+constexpr std::uint32_t kRegistryString = 1;        // REG_SZ
+constexpr std::uint32_t kRegistryExpandString = 2;  // REG_EXPAND_SZ
 // The setting is read into a buffer of this many bytes; a longer value fails the read.
 constexpr std::size_t kIconSizeSettingBytes = 8;
 
@@ -44,13 +44,13 @@ struct ItemPoint {
 ItemPoint IconOrigin(const ItemRect& item, int iconSize) noexcept;
 
 // Owner-draw actions and states, control and colour numbers as Windows numbers them.
-constexpr std::uint32_t kDrawEntire = 0x1;    // ODA_DRAWENTIRE
-constexpr std::uint32_t kDrawSelect = 0x2;    // ODA_SELECT
-constexpr std::uint32_t kDrawFocus = 0x4;     // ODA_FOCUS
-constexpr std::uint32_t kStateSelected = 0x1; // ODS_SELECTED
-constexpr std::uint32_t kStateFocus = 0x10;   // ODS_FOCUS
-constexpr int kColourWindow = 5;              // COLOR_WINDOW
-constexpr int kColourHighlight = 13;          // COLOR_HIGHLIGHT
+constexpr std::uint32_t kDrawEntire = 0x1;     // ODA_DRAWENTIRE
+constexpr std::uint32_t kDrawSelect = 0x2;     // ODA_SELECT
+constexpr std::uint32_t kDrawFocus = 0x4;      // ODA_FOCUS
+constexpr std::uint32_t kStateSelected = 0x1;  // ODS_SELECTED
+constexpr std::uint32_t kStateFocus = 0x10;    // ODS_FOCUS
+constexpr int kColourWindow = 5;               // COLOR_WINDOW
+constexpr int kColourHighlight = 13;           // COLOR_HIGHLIGHT
 constexpr std::uint32_t kIconListId = 1041;
 
 // What to paint for one WM_DRAWITEM.

@@ -30,11 +30,8 @@ INT_PTR AnswerDialogMessage(HWND dialog, UINT message, LRESULT result) noexcept 
     case WM_CTLCOLORBTN:
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSCROLLBAR:
-    case WM_CTLCOLORSTATIC:
-        return static_cast<INT_PTR>(result);
-    default:
-        SetWindowLongPtrA(dialog, DWLP_MSGRESULT, result);
-        return TRUE;
+    case WM_CTLCOLORSTATIC: return static_cast<INT_PTR>(result);
+    default: SetWindowLongPtrA(dialog, DWLP_MSGRESULT, result); return TRUE;
     }
 }
 

@@ -133,11 +133,8 @@ public:
                     waiting.Add(static_cast<CVQCPropertyPageImpl*>(page)->m_creationEntry, page);
                     return TRUE;
                 }
-                case PSPCB_RELEASE:
-                    delete page;
-                    return 0;
-                default:
-                    return 0;
+                case PSPCB_RELEASE: delete page; return 0;
+                default: return 0;
                 }
             },
             [] { return UINT{0}; });
@@ -157,13 +154,13 @@ public:
         T* page = FromWindow(window);
         if (!page) return FALSE;
         LRESULT result = 0;
-        const bool handled = GuardWindowCall(
-            [&] { return page->ProcessWindowMessage(window, message, wParam, lParam, result); },
-            [&] {
-                if (!IsApplyNotification(message, lParam)) return false;
-                result = PSNRET_INVALID_NOCHANGEPAGE;  // keeps the sheet open on this page
-                return true;
-            });
+        const bool handled =
+            GuardWindowCall([&] { return page->ProcessWindowMessage(window, message, wParam, lParam, result); },
+                            [&] {
+                                if (!IsApplyNotification(message, lParam)) return false;
+                                result = PSNRET_INVALID_NOCHANGEPAGE;  // keeps the sheet open on this page
+                                return true;
+                            });
         if (message == WM_NCDESTROY) static_cast<CVQCPropertyPageImpl*>(page)->Unbind();
         return handled ? AnswerDialogMessage(window, message, result) : FALSE;
     }
@@ -225,8 +222,7 @@ protected:
             if (!self->OnCommand(LOWORD(wParam), HIWORD(wParam))) return false;
             result = 0;
             return true;
-        default:
-            return false;
+        default: return false;
         }
     }
 
@@ -244,9 +240,7 @@ protected:
             SameWindow(header.hwndFrom, m_window) || SameWindow(header.hwndFrom, GetParent(m_window));
         if (!fromPageOrSheet) return false;
         switch (header.code) {
-        case PSN_APPLY:
-            result = ApplyRecord();
-            return true;
+        case PSN_APPLY: result = ApplyRecord(); return true;
         case PSN_SETACTIVE:
         case PSN_KILLACTIVE:
         case PSN_RESET:
@@ -259,8 +253,7 @@ protected:
         case PSN_QUERYINITIALFOCUS:
             result = 0;  // activation allowed, nothing validated, cancel allowed
             return true;
-        default:
-            return false;
+        default: return false;
         }
     }
 

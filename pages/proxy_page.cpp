@@ -51,8 +51,8 @@ void CVQCProxyPage::FillRouteList() {
     for (int position = 0; position < kRouteEntryCount; ++position) {
         const char* text = GetLocalString(kRouteEntries[position].textId);
         m_routeIndices.index[position] =
-            text ? static_cast<int>(SendMessageA(m_routeList, CB_FINDSTRINGEXACT, WPARAM(-1),
-                                                 reinterpret_cast<LPARAM>(text)))
+            text ? static_cast<int>(
+                       SendMessageA(m_routeList, CB_FINDSTRINGEXACT, WPARAM(-1), reinterpret_cast<LPARAM>(text)))
                  : CB_ERR;
     }
 }

@@ -18,8 +18,7 @@ constexpr std::int32_t kFirstBrokerClient = 620;
 constexpr std::int32_t kLastBrokerClient = 689;
 
 bool OffersEveryVersion(const RouteEntry& entry) noexcept {
-    return entry.firstClientVersion == kEveryVersionFrom &&
-           entry.lastClientVersion == kEveryVersionTo;
+    return entry.firstClientVersion == kEveryVersionFrom && entry.lastClientVersion == kEveryVersionTo;
 }
 
 bool IsEntry(int selection, const RouteListIndices& indices, RouteEntryPosition entry) noexcept {
@@ -28,13 +27,16 @@ bool IsEntry(int selection, const RouteListIndices& indices, RouteEntryPosition 
 
 }  // namespace
 
+// clang-format off
 const RouteEntry kRouteEntries[kRouteEntryCount] = {
     // text id               offered from        to                 route          mask
     {kConnectDirectlyText,  kEveryVersionFrom,  kEveryVersionTo,   kRouteDirect, kDirectLayout},
     {kConnectViaProxyText,  kEveryVersionFrom,  kEveryVersionTo,   kRouteProxy,  kProxyLayout},
     {kConnectViaBrokerText, kFirstBrokerClient, kLastBrokerClient, kRouteBroker, kBrokerLayout},
 };
+// clang-format on
 
+// clang-format off
 const LayoutRow kProxyLayoutRows[kLayoutRowCount] = {
     {kProxyHostLabel, kProxyLayout},
     {kProxyHostEdit, kProxyLayout},
@@ -48,22 +50,26 @@ const LayoutRow kProxyLayoutRows[kLayoutRowCount] = {
     {kBrokerPortEdit, kBrokerLayout},
     {kDialUpCheckBox, kBrokerLayout},
 };
+// clang-format on
 
+// clang-format off
 const TextEditRow kProxyTextEdits[kTextEditRowCount] = {
     {kProxyHostEdit, &ConnectionSettings::proxyHost},
     {kProxyUserEdit, &ConnectionSettings::proxyUser},
     {kBrokerHostEdit, &ConnectionSettings::brokerHost},
 };
+// clang-format on
 
+// clang-format off
 const PortEditRow kProxyPortEdits[kPortEditRowCount] = {
     {kProxyPortEdit, &ConnectionSettings::proxyPort, kDefaultProxyPort},
     {kBrokerPortEdit, &ConnectionSettings::brokerPort, kDefaultBrokerPort},
 };
+// clang-format on
 
 bool IsRouteEntryOffered(const RouteEntry& entry, const ConnectionSettings* record) noexcept {
     if (!record) return OffersEveryVersion(entry);
-    return record->clientVersion >= entry.firstClientVersion &&
-           record->clientVersion <= entry.lastClientVersion;
+    return record->clientVersion >= entry.firstClientVersion && record->clientVersion <= entry.lastClientVersion;
 }
 
 RouteEntryPosition InitialRouteEntry(const ConnectionSettings* record) noexcept {
@@ -119,8 +125,7 @@ std::int32_t PortFromEditText(const PortEditRow& row, std::string_view text) noe
     return text.empty() ? row.emptyValue : ansi_text::ParseDecimal(text);
 }
 
-void StoreRouteSelection(ConnectionSettings& record, int selection,
-                         const RouteListIndices& indices) noexcept {
+void StoreRouteSelection(ConnectionSettings& record, int selection, const RouteListIndices& indices) noexcept {
     record.route = RouteForSelection(selection, indices);
 }
 
@@ -129,8 +134,7 @@ void StoreEditedText(ConnectionSettings& record, const TextEditRow& row, std::st
     record.modified = 1;
 }
 
-void StoreEditedPort(ConnectionSettings& record, const PortEditRow& row,
-                     std::string_view text) noexcept {
+void StoreEditedPort(ConnectionSettings& record, const PortEditRow& row, std::string_view text) noexcept {
     record.*row.field = PortFromEditText(row, text);
     record.modified = 1;
 }

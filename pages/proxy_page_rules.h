@@ -32,10 +32,10 @@ constexpr std::uint32_t kBrokerLayout = 4;  // also any selection that is neithe
 
 // One entry of the route list, in the order the list is filled.
 struct RouteEntry {
-    std::uint32_t textId;              // string id of the entry's text
-    std::int32_t firstClientVersion;   // offered from this client version ...
-    std::int32_t lastClientVersion;    // ... up to this one, inclusive
-    std::int32_t route;                // the record's route when the entry is selected
+    std::uint32_t textId;             // string id of the entry's text
+    std::int32_t firstClientVersion;  // offered from this client version ...
+    std::int32_t lastClientVersion;   // ... up to this one, inclusive
+    std::int32_t route;               // the record's route when the entry is selected
     std::uint32_t layoutMask;
 };
 
@@ -122,9 +122,7 @@ std::int32_t PortFromEditText(const PortEditRow& row, std::string_view text) noe
 
 // The record changes of the page's handlers. A route change sets route alone and leaves
 // modified as it was; every other edit sets modified.
-void StoreRouteSelection(ConnectionSettings& record, int selection,
-                         const RouteListIndices& indices) noexcept;
+void StoreRouteSelection(ConnectionSettings& record, int selection, const RouteListIndices& indices) noexcept;
 void StoreEditedText(ConnectionSettings& record, const TextEditRow& row, std::string_view text);
-void StoreEditedPort(ConnectionSettings& record, const PortEditRow& row,
-                     std::string_view text) noexcept;
+void StoreEditedPort(ConnectionSettings& record, const PortEditRow& row, std::string_view text) noexcept;
 void StoreDialUpCheck(ConnectionSettings& record, bool checked) noexcept;

@@ -1,5 +1,6 @@
 #include "pages/resize_maps.h"
 
+// clang-format off
 const ResizeMapEntry kConnectionPageResizeMap[] = {
     {1002, DLSZ_SIZE_X},  // connection type
     {1006, DLSZ_SIZE_X},  // server
@@ -14,7 +15,9 @@ const ResizeMapEntry kConnectionPageResizeMap[] = {
     {1022, DLSZ_SIZE_X},  // answer back
     kResizeMapEnd,
 };
+// clang-format on
 
+// clang-format off
 const ResizeMapEntry kProxyPageResizeMap[] = {
     {1002, DLSZ_SIZE_X},  // route
     {1026, DLSZ_SIZE_X},  // proxy server
@@ -25,7 +28,9 @@ const ResizeMapEntry kProxyPageResizeMap[] = {
     {1034, DLSZ_SIZE_X},  // broker port
     kResizeMapEnd,
 };
+// clang-format on
 
+// clang-format off
 const ResizeMapEntry kOptionPageResizeMap[] = {
     {1039, DLSZ_SIZE_X},                // text line above the icon list
     {1040, DLSZ_MOVE_X},                // "&Browse Icon ..."
@@ -33,3 +38,4 @@ const ResizeMapEntry kOptionPageResizeMap[] = {
     {1042, DLSZ_MOVE_Y},                // "&Dynamic screen sizing"
     kResizeMapEnd,
 };
+// clang-format on

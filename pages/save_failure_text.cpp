@@ -5,7 +5,8 @@
 std::string SaveFailureText(const std::string& path, const std::string& systemText, std::uint32_t error) {
     // The system's texts end in a line break; the box draws its own margins.
     std::string reason = ansi_text::Trimmed(systemText);
-    if (reason.empty()) ansi_text::AppendFormat(reason, "Error %lu (0x%08lX).", static_cast<unsigned long>(error),
-                                                static_cast<unsigned long>(error));
+    if (reason.empty())
+        ansi_text::AppendFormat(reason, "Error %lu (0x%08lX).", static_cast<unsigned long>(error),
+                                static_cast<unsigned long>(error));
     return path + "\r\n\r\n" + reason;
 }

@@ -10,9 +10,9 @@ std::string RegistryChildPath(std::string_view keyPath, const char* name) {
 
 std::string KeyCreateFailureLine(std::string_view keyPath, std::int32_t errorCode, std::string_view errorText) {
     std::string line;
-    ansi_text::AppendFormat(line, "Failed to create registry key %.*s Error %d %.*s",
-                            static_cast<int>(keyPath.size()), keyPath.data(), static_cast<int>(errorCode),
-                            static_cast<int>(errorText.size()), errorText.data());
+    ansi_text::AppendFormat(line, "Failed to create registry key %.*s Error %d %.*s", static_cast<int>(keyPath.size()),
+                            keyPath.data(), static_cast<int>(errorCode), static_cast<int>(errorText.size()),
+                            errorText.data());
     return line;
 }
 
@@ -20,9 +20,9 @@ std::string ValueSetFailureLine(std::string_view valuePath, std::string_view dat
                                 std::string_view errorText) {
     std::string line;
     ansi_text::AppendFormat(line, "Failed to set registry value %.*s to \"%.*s\" Error %d %.*s",
-                            static_cast<int>(valuePath.size()), valuePath.data(),
-                            static_cast<int>(data.size()), data.data(), static_cast<int>(errorCode),
-                            static_cast<int>(errorText.size()), errorText.data());
+                            static_cast<int>(valuePath.size()), valuePath.data(), static_cast<int>(data.size()),
+                            data.data(), static_cast<int>(errorCode), static_cast<int>(errorText.size()),
+                            errorText.data());
     return line;
 }
 

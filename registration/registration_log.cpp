@@ -22,8 +22,8 @@ NtQueryKeyFunction g_ntQueryKey = nullptr;
 NtQueryKeyFunction FindNtQueryKey() {
     if (!g_ntQueryKey) {
         if (HMODULE ntdll = LoadLibraryExA("ntdll.dll", nullptr, kLoadLibrarySearchDefaultDirs)) {
-            g_ntQueryKey = reinterpret_cast<NtQueryKeyFunction>(
-                reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey")));
+            g_ntQueryKey =
+                reinterpret_cast<NtQueryKeyFunction>(reinterpret_cast<void*>(GetProcAddress(ntdll, "NtQueryKey")));
         }
     }
     return g_ntQueryKey;
@@ -77,9 +77,9 @@ std::string RegistrationLog::GetRegistryKeyPath(HKEY key) {
 
 std::string RegistrationLog::DescribeSystemError(DWORD errorCode) {
     char* buffer = nullptr;
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr,
-                                        errorCode, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
-                                        reinterpret_cast<char*>(&buffer), 0, nullptr);
+    const DWORD length =
+        FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, errorCode,
+                       MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char*>(&buffer), 0, nullptr);
     UniqueLocalMemory owner(buffer);
     return ErrorTextOrPlaceholder(length && buffer ? std::string_view(buffer, length) : std::string_view());
 }
@@ -103,9 +103,8 @@ void RegistrationLog::Flush() noexcept {
         // read and write it meanwhile. Bytes are written as they are, so a line ends in
         // exactly one line feed.
         const std::string contents = LogFileContents(messages_);
-        const UniqueKernelHandle file(CreateFileA(fileName_.c_str(), GENERIC_WRITE,
-                                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const UniqueKernelHandle file(CreateFileA(fileName_.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                  nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file) return;
         DWORD written = 0;
         WriteFile(file.Get(), contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr);

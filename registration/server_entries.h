@@ -17,7 +17,7 @@ struct RegistryRow {
     int number;
     int below;
     bool createsKey;
-    std::string keyName;    // the key created, when the row creates one
+    std::string keyName;  // the key created, when the row creates one
     bool hasValue;
     const char* valueName;  // null: the key's default value
     std::string data;
@@ -35,7 +35,7 @@ std::vector<RegistryRow> ClassRows(std::string_view modulePath);
 
 // What removal deletes, each key with its subtree, in this order.
 struct RemovalRow {
-    const char* below;  // a key below HKEY_CLASSES_ROOT, or null for the root itself
+    const char* below;    // a key below HKEY_CLASSES_ROOT, or null for the root itself
     const char* keyName;  // null: the DLL's file name
 };
 inline constexpr std::array<RemovalRow, 5> kRemovalRows = {{

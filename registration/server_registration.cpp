@@ -64,7 +64,8 @@ using RegDeleteKeyExAFunction = LONG(WINAPI*)(HKEY, LPCSTR, REGSAM, DWORD);
 RegDeleteKeyExAFunction LookUpRegDeleteKeyExA() {
     HMODULE advapi = GetModuleHandleA("Advapi32.dll");
     if (!advapi) return nullptr;
-    return reinterpret_cast<RegDeleteKeyExAFunction>(reinterpret_cast<void*>(GetProcAddress(advapi, "RegDeleteKeyExA")));
+    return reinterpret_cast<RegDeleteKeyExAFunction>(
+        reinterpret_cast<void*>(GetProcAddress(advapi, "RegDeleteKeyExA")));
 }
 
 // Looked up once, when the module starts: a function-local static would need the

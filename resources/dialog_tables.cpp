@@ -33,19 +33,20 @@ constexpr const char16_t* kListBox = u"listbox";
 constexpr const char16_t* const* kNoCaption = nullptr;
 
 // WS_CHILD | WS_VISIBLE and the rest of each kind's bits.
-constexpr std::uint32_t kLabel = 0x50000000;           // SS_LEFT
-constexpr std::uint32_t kTextBox = 0x50810080;         // WS_BORDER | WS_TABSTOP | ES_AUTOHSCROLL
-constexpr std::uint32_t kNumberBox = 0x50812080;       // ... | ES_NUMBER
-constexpr std::uint32_t kCheckBox = 0x50010003;        // WS_TABSTOP | BS_AUTOCHECKBOX
+constexpr std::uint32_t kLabel = 0x50000000;      // SS_LEFT
+constexpr std::uint32_t kTextBox = 0x50810080;    // WS_BORDER | WS_TABSTOP | ES_AUTOHSCROLL
+constexpr std::uint32_t kNumberBox = 0x50812080;  // ... | ES_NUMBER
+constexpr std::uint32_t kCheckBox = 0x50010003;   // WS_TABSTOP | BS_AUTOCHECKBOX
 
-constexpr ControlDesc Control(std::int32_t id, const LocalValue* x, const LocalValue* y,
-                              const LocalValue* cx, const LocalValue* cy, const LocalValue* style,
-                              const char16_t* className, const char16_t* const* texts) {
+constexpr ControlDesc Control(std::int32_t id, const LocalValue* x, const LocalValue* y, const LocalValue* cx,
+                              const LocalValue* cy, const LocalValue* style, const char16_t* className,
+                              const char16_t* const* texts) {
     return ControlDesc{id, x, y, cx, cy, style, &kAll<0>, className, texts};
 }
 
 // Template 1, Connection page. Groups that the page shows one at a time share places.
 //                                  id    x           y            cx           cy           style
+// clang-format off
 constexpr ControlDesc kConnection[] = {
     Control(1001, &kAll<6>,  &kAll<6>,   &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(15)),
     Control(1002, &kAll<68>, &kAll<4>,   &kAll<104>, &kAll<100>, &kAll<0x50210103>, kComboBox, kNoCaption),
@@ -72,9 +73,11 @@ constexpr ControlDesc kConnection[] = {
     Control(1023, &kAll<6>,  &kAll<136>, &kAll<140>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(0)),
     Control(1024, &kAll<6>,  &kAll<170>, &kAll<200>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(1)),
 };
+// clang-format on
 
 // Template 2, Proxy page. The proxy group (1025-1030) and the broker group (1031-1034)
 // share their places; the route list reuses id 1002.
+// clang-format off
 constexpr ControlDesc kProxy[] = {
     Control(1002, &kAll<6>,  &kAll<4>,   &kAll<165>, &kAll<47>,  &kAll<0x50010443>, kComboBox, kNoCaption),
     Control(1025, &kAll<6>,  &kAll<25>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(2)),
@@ -89,8 +92,10 @@ constexpr ControlDesc kProxy[] = {
     Control(1034, &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
     Control(1035, &kAll<6>,  &kAll<57>,  &kAll<165>, &kAll<26>,  &kAll<0x50012403>, kButton,   LocalTexts(6)),
 };
+// clang-format on
 
 // Template 3, Options page.
+// clang-format off
 constexpr ControlDesc kOptions[] = {
     Control(1036, &kAll<9>,  &kAll<6>,   &kAll<25>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(25)),
     Control(1037, &kAll<35>, &kAll<6>,   &kAll<32>,  &kAll<32>,  &kAll<0x50000003>, kStatic,   kNoCaption),
@@ -100,8 +105,10 @@ constexpr ControlDesc kOptions[] = {
     Control(1041, &kAll<9>,  &kAll<52>,  &kAll<165>, &kAll<120>, &kAll<0x50900311>, kListBox,  kNoCaption),
     Control(1042, &kAll<9>,  &kAll<180>, &kAll<125>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(10)),
 };
+// clang-format on
 
 // Template 4, Connection Details.
+// clang-format off
 constexpr ControlDesc kConnectionDetails[] = {
     Control(1043, &kAll<16>, &kAll<9>,   &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(43)),
     Control(1044, &kAll<95>, &kAll<7>,   &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
@@ -113,6 +120,7 @@ constexpr ControlDesc kConnectionDetails[] = {
     Control(1050, &kAll<95>, &kAll<81>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
     Control(1051, &kAll<17>, &kAll<112>, &kAll<88>,  &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(47)),
 };
+// clang-format on
 
 // Null-terminated pointer lists in table order.
 template <const auto& Controls, std::size_t... I>
@@ -120,9 +128,8 @@ constexpr const ControlDesc* const kControlListOf[] = {&Controls[I]..., nullptr}
 
 template <const auto& Controls>
 constexpr auto ControlList() {
-    return []<std::size_t... I>(std::index_sequence<I...>) {
-        return kControlListOf<Controls, I...>;
-    }(std::make_index_sequence<std::size(Controls)>{});
+    return []<std::size_t... I>(std::index_sequence<I...>) { return kControlListOf<Controls, I...>; }
+    (std::make_index_sequence<std::size(Controls)>{});
 }
 
 constexpr std::uint32_t kPageStyle = 0x80C80040;     // WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_SETFONT
@@ -130,6 +137,7 @@ constexpr std::uint32_t kDetailsStyle = 0x40C00048;  // WS_CHILD | WS_CAPTION | 
 constexpr std::uint32_t kControlParent = 0x10000;    // WS_EX_CONTROLPARENT
 constexpr const char16_t* kShellDialogFace = u"MS Shell Dlg";
 
+// clang-format off
 constexpr DialogDesc kConnectionPage{1, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<176>,
                                      &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
                                      8, kShellDialogFace, ControlList<kConnection>()};
@@ -143,11 +151,14 @@ constexpr DialogDesc kConnectionDetailsDialog{4, &kAll<0>, &kAll<0>, &kAll<320>,
                                               &kAll<kDetailsStyle>, &kAll<kControlParent>, nullptr,
                                               LocalTexts(41), 8, kShellDialogFace,
                                               ControlList<kConnectionDetails>()};
+// clang-format on
 
 }  // namespace
 
+// clang-format off
 const DialogDesc* const g_dialogDescs[kDialogCount] = {
     &kConnectionPage, &kProxyPage, &kOptionsPage, &kConnectionDetailsDialog};
+// clang-format on
 
 const DialogDesc* FindDialogDesc(int index) noexcept {
     if (index < 1 || index > kDialogCount) return nullptr;

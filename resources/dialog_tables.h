@@ -23,8 +23,8 @@ struct ControlDesc {
     const LocalValue* cy;
     const LocalValue* style;
     const LocalValue* exStyle;
-    const char16_t* className;      // null: no class text
-    const char16_t* const* texts;   // caption per language (a string table row), or null
+    const char16_t* className;     // null: no class text
+    const char16_t* const* texts;  // caption per language (a string table row), or null
 };
 
 struct DialogDesc {
@@ -38,7 +38,7 @@ struct DialogDesc {
     const char16_t* className;
     const char16_t* const* texts;  // title per language, or null
     std::uint32_t pointSize;
-    const char16_t* faceName;  // non-null: the template carries a font
+    const char16_t* faceName;            // non-null: the template carries a font
     const ControlDesc* const* controls;  // null-terminated, in tab order
 };
 

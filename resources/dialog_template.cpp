@@ -44,9 +44,8 @@ std::size_t BuildDialogTemplate(const DialogDesc* desc, void* buffer, std::uint3
     }
 }
 
-INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC dialogProc,
-                          LPARAM initParam, std::uint32_t pointSize, void** inOut,
-                          unsigned flags) noexcept {
+INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC dialogProc, LPARAM initParam,
+                          std::uint32_t pointSize, void** inOut, unsigned flags) noexcept {
     const DialogDesc* desc = FindDialogDesc(index);
     if (desc == nullptr) return 0;
     // One face for the size and the bytes: a face found for one and not the other would
@@ -84,8 +83,7 @@ INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC di
     }
     BuildWithFace(*desc, scratch.data(), buildPointSize, face);
     const auto* dialogTemplate = reinterpret_cast<const DLGTEMPLATE*>(scratch.data());
-    if ((flags & kModal) != 0)
-        return DialogBoxIndirectParamA(instance, dialogTemplate, parent, dialogProc, initParam);
+    if ((flags & kModal) != 0) return DialogBoxIndirectParamA(instance, dialogTemplate, parent, dialogProc, initParam);
     return reinterpret_cast<INT_PTR>(
         CreateDialogIndirectParamA(instance, dialogTemplate, parent, dialogProc, initParam));
 }

@@ -31,9 +31,8 @@ std::size_t BuildDialogTemplate(const DialogDesc* desc, void* buffer, std::uint3
 // Builds template `index` (1 to 4) and finishes as `flags` say: the window handle of a
 // modeless dialog, the result of a modal one, or 0 (template handed over through inOut,
 // bad index, no memory).
-INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC dialogProc,
-                          LPARAM initParam, std::uint32_t pointSize, void** inOut,
-                          unsigned flags) noexcept;
+INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC dialogProc, LPARAM initParam,
+                          std::uint32_t pointSize, void** inOut, unsigned flags) noexcept;
 
 // A heap template for a property page, or null; the caller frees it with free().
 DLGTEMPLATE* AllocDialogTemplate(int index, std::uint32_t pointSize) noexcept;

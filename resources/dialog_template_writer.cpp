@@ -57,8 +57,8 @@ std::uint16_t Resolved16(const LocalValue* list, int languageIndex) noexcept {
 
 }  // namespace
 
-std::size_t WriteDialogTemplate(const DialogDesc& desc, void* buffer, int languageIndex,
-                                std::uint32_t pointSize, std::u16string_view fontFace) noexcept {
+std::size_t WriteDialogTemplate(const DialogDesc& desc, void* buffer, int languageIndex, std::uint32_t pointSize,
+                                std::u16string_view fontFace) noexcept {
     const int L = languageIndex;
     std::uint16_t controlCount = 0;
     if (desc.controls != nullptr)

@@ -17,5 +17,5 @@ constexpr std::uint32_t kWsVisible = 0x10000000;
 // face) carries `pointSize`, or the description's own size when it is 0, and
 // `fontFace` instead of the stored face name. Each control starts on a 4-byte boundary
 // counted from the start of the block; padding bytes are left as they are.
-std::size_t WriteDialogTemplate(const DialogDesc& desc, void* buffer, int languageIndex,
-                                std::uint32_t pointSize, std::u16string_view fontFace) noexcept;
+std::size_t WriteDialogTemplate(const DialogDesc& desc, void* buffer, int languageIndex, std::uint32_t pointSize,
+                                std::u16string_view fontFace) noexcept;

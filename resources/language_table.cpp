@@ -2,6 +2,7 @@
 
 // The row order is part of the design: row 27 (French, Canada) comes after the French
 // wildcard so that it can still win, and row 29 takes every Arabic locale from row 21.
+// clang-format off
 const LanguageEntry g_languageTable[kLanguageTableRows] = {
     // index  primary  sub              code page  name                   tag
     {1,  0x09, 2,               1252, "English_UK",          "en-GB"},
@@ -34,6 +35,7 @@ const LanguageEntry g_languageTable[kLanguageTableRows] = {
     {26, 0x3E, 1,               1252, "Malaysia_MS",         "ms-MY"},
     {27, 0x01, kAnySubLanguage, 1256, "Arabic_Extended",     "ar-AA"},
 };
+// clang-format on
 
 int LanguageIndexForLangId(std::uint16_t langId) noexcept {
     const std::uint32_t primary = langId & 0x3FFu;

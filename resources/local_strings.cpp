@@ -46,6 +46,7 @@ constexpr LocalTextRow Row(const OwnTexts& own) {
 
 // One row per string id, 0 to 48. The filter lists of id 40 are kept as they were
 // first shipped, odd entries included ("*ico", commas, untranslated "All files").
+// clang-format off
 constinit const LocalTextRow g_localTextRows[kLocalStringCount] = {
     /* 0 */ Row({.en = u"Use &encryption\0",
                  .zs = u"使用加密(&E)\0"}),
@@ -294,9 +295,11 @@ constinit const LocalTextRow g_localTextRows[kLocalStringCount] = {
     /* 48 */ Row({.en = u"Proxy\0",
                   .zs = u"代理\0"}),
 };
+// clang-format on
 
 namespace {
 
+// clang-format off
 constinit const LocalString kLocalStringRecords[kLocalStringCount] = {
     {0, g_localTextRows[0].texts},   {1, g_localTextRows[1].texts},
     {2, g_localTextRows[2].texts},   {3, g_localTextRows[3].texts},
@@ -324,9 +327,11 @@ constinit const LocalString kLocalStringRecords[kLocalStringCount] = {
     {46, g_localTextRows[46].texts}, {47, g_localTextRows[47].texts},
     {48, g_localTextRows[48].texts},
 };
+// clang-format on
 
 }  // namespace
 
+// clang-format off
 constinit const LocalString* const g_localStrings[kLocalStringCount] = {
     &kLocalStringRecords[0],  &kLocalStringRecords[1],  &kLocalStringRecords[2],
     &kLocalStringRecords[3],  &kLocalStringRecords[4],  &kLocalStringRecords[5],
@@ -346,6 +351,7 @@ constinit const LocalString* const g_localStrings[kLocalStringCount] = {
     &kLocalStringRecords[45], &kLocalStringRecords[46], &kLocalStringRecords[47],
     &kLocalStringRecords[48],
 };
+// clang-format on
 
 const char16_t* PickLocalText(const char16_t* const* texts, int languageIndex) noexcept {
     if (texts == nullptr) return nullptr;

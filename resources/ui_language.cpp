@@ -11,12 +11,8 @@ std::int32_t g_languageWork = 0;
 
 namespace {
 
-std::uint16_t UserDefaultLangId() {
-    return static_cast<std::uint16_t>(GetUserDefaultLCID() & 0xFFFF);
-}
+std::uint16_t UserDefaultLangId() { return static_cast<std::uint16_t>(GetUserDefaultLCID() & 0xFFFF); }
 
 }  // namespace
 
-int GetUILanguageIndex() noexcept {
-    return DecideLanguageIndex(g_languageIndex, g_languageWork, UserDefaultLangId);
-}
+int GetUILanguageIndex() noexcept { return DecideLanguageIndex(g_languageIndex, g_languageWork, UserDefaultLangId); }

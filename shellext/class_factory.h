@@ -23,8 +23,7 @@ public:
     STDMETHODIMP LockServer(BOOL lock) override;
 
 private:
-    explicit CachedClassFactory(InstanceCreator createInstance) noexcept
-        : createInstance_(createInstance) {}
+    explicit CachedClassFactory(InstanceCreator createInstance) noexcept : createInstance_(createInstance) {}
     virtual ~CachedClassFactory() = default;
 
     volatile LONG refCount_ = 0;

@@ -13,20 +13,17 @@ std::wstring ToWide(const std::string& text, UINT codePage) {
 }
 
 std::string ToCodePage(const std::wstring& wide, UINT codePage) {
-    const int length = WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), nullptr, 0,
-                                           nullptr, nullptr);
+    const int length =
+        WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), nullptr, 0, nullptr, nullptr);
     if (length <= 0) return {};
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), text.data(), length, nullptr,
-                        nullptr);
+    WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), text.data(), length, nullptr, nullptr);
     return text;
 }
 
 // Whether the 8-bit text reads back as exactly the wide text: nothing was replaced by a
 // default character or a look-alike.
-bool Spells(const std::string& text, const std::wstring& wide, UINT codePage) {
-    return ToWide(text, codePage) == wide;
-}
+bool Spells(const std::string& text, const std::wstring& wide, UINT codePage) { return ToWide(text, codePage) == wide; }
 
 }  // namespace
 

@@ -36,6 +36,7 @@ HRESULT RegisterServer(VqcPropModule& module, RegistrationLog& log) {
 
 HRESULT UnregisterServer(VqcPropModule& module) {
     UnregisterServerEntries(module.instance);
-    const HRESULT result = UnderSystemLocale([&] { return GuardComCall([&] { return module.UnregisterClassObjects(); }); });
+    const HRESULT result =
+        UnderSystemLocale([&] { return GuardComCall([&] { return module.UnregisterClassObjects(); }); });
     return FAILED(result) ? result : S_OK;
 }

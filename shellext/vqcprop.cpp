@@ -95,9 +95,7 @@ HRESULT VQCProp::InternalQueryInterface(VQCProp* object, REFIID iid, void** resu
     return S_OK;
 }
 
-STDMETHODIMP VQCProp::QueryInterface(REFIID iid, void** object) {
-    return InternalQueryInterface(this, iid, object);
-}
+STDMETHODIMP VQCProp::QueryInterface(REFIID iid, void** object) { return InternalQueryInterface(this, iid, object); }
 
 STDMETHODIMP_(ULONG) VQCProp::AddRef() { return ++refCount_; }
 

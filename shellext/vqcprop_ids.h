@@ -5,8 +5,7 @@
 #include <windows.h>
 
 // {5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}
-inline constexpr CLSID CLSID_VQCProp = {
-    0x5e1d7c40, 0xa3b2, 0x11d0, {0x8e, 0x6f, 0x00, 0xa0, 0xc9, 0xb3, 0x5d, 0x21}};
+inline constexpr CLSID CLSID_VQCProp = {0x5e1d7c40, 0xa3b2, 0x11d0, {0x8e, 0x6f, 0x00, 0xa0, 0xc9, 0xb3, 0x5d, 0x21}};
 inline constexpr IID IID_IVQCProp = CLSID_VQCProp;
 // {4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}
 inline constexpr GUID kVqcPropLibraryId = {

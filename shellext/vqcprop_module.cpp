@@ -20,9 +20,7 @@ HRESULT CreateVQCPropFactory(REFIID iid, void** object) {
 void NoObjectMain(bool) {}
 
 // A class's component categories; with no map there is nothing to register or remove.
-HRESULT UpdateCategories(const void* categoryMap, bool) {
-    return categoryMap ? E_NOTIMPL : S_OK;
-}
+HRESULT UpdateCategories(const void* categoryMap, bool) { return categoryMap ? E_NOTIMPL : S_OK; }
 
 }  // namespace
 
@@ -33,8 +31,8 @@ VqcPropModule::VqcPropModule(OwnedCriticalSection::Initializer initialize)
       factorySection_(initialize),
       comModuleInitialized_(factorySection_.Initialized()),
       moduleSection_(initialize),
-      objectMap_{{&CLSID_VQCProp, NoRegistryScript, CreateVQCPropFactory, VQCProp::CreateInstance,
-                   nullptr, nullptr, nullptr, NoObjectMain}},
+      objectMap_{{&CLSID_VQCProp, NoRegistryScript, CreateVQCPropFactory, VQCProp::CreateInstance, nullptr, nullptr,
+                  nullptr, NoObjectMain}},
       windowCreation_(initialize) {
     if (!resourceSection_.Initialized() || !comModuleInitialized_ || !moduleSection_.Initialized() ||
         !windowCreation_.Initialized()) {
@@ -67,9 +65,7 @@ LONG VqcPropModule::Unlock() noexcept { return InterlockedDecrement(&lockCount_)
 
 LONG VqcPropModule::GetLockCount() const noexcept { return lockCount_; }
 
-HRESULT VqcPropModule::CanUnloadNow() const noexcept {
-    return GetLockCount() == 0 ? S_OK : S_FALSE;
-}
+HRESULT VqcPropModule::CanUnloadNow() const noexcept { return GetLockCount() == 0 ? S_OK : S_FALSE; }
 
 HRESULT VqcPropModule::GetClassObject(REFCLSID classId, REFIID iid, void** object) noexcept {
     if (!object) return E_POINTER;

@@ -18,9 +18,9 @@ struct ObjectMapEntry {
     HRESULT (*updateRegistry)(BOOL doRegister);  // the class's registry script (none: S_OK)
     HRESULT (*createFactory)(REFIID iid, void** object);
     HRESULT (*createInstance)(IUnknown* outer, REFIID iid, void** object);
-    void* cachedFactory;                          // IUnknown*, stored EncodePointer'd
-    const char* description;                      // none
-    const void* categoryMap;                      // none
+    void* cachedFactory;      // IUnknown*, stored EncodePointer'd
+    const char* description;  // none
+    const void* categoryMap;  // none
     void (*objectMain)(bool starting);
 };
 

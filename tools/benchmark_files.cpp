@@ -60,8 +60,7 @@ void WriteWholeFile(const std::string& path, const std::string& content) {
         Fail("WriteFile " + path);
 }
 
-std::size_t WriteConnectionFile(const std::string& path, const std::vector<IconImage>& images,
-                                std::size_t padTo) {
+std::size_t WriteConnectionFile(const std::string& path, const std::vector<IconImage>& images, std::size_t padTo) {
     std::string text = "-h server.example.com -V 5000 -l -c admin@proxy.example.com:3128 -v terminal -u bob \r\n";
     if (!images.empty()) text += "-I \"" + HexTextOf(BuildIconStream(images.data(), images.size())) + "\" ";
     text += "-C bookmarks/main";

@@ -21,8 +21,7 @@ IconImage LargestAcceptedImage();
 
 // A typical option line with the images as its -I icon; when the file would be shorter
 // than padTo bytes, its -C command is lengthened to reach it. Returns the file's size.
-std::size_t WriteConnectionFile(const std::string& path, const std::vector<IconImage>& images,
-                                std::size_t padTo);
+std::size_t WriteConnectionFile(const std::string& path, const std::vector<IconImage>& images, std::size_t padTo);
 // The images as an .ico file.
 void WriteIconFile(const std::string& path, const std::vector<IconImage>& images);
 // A shortcut to notepad whose icon is icon `index` of `iconPath`.

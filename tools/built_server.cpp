@@ -23,8 +23,7 @@ std::unique_ptr<RegisteredClass> Register(REFCLSID id, IClassFactory* factory, c
 }  // namespace
 
 RegisteredClass::RegisteredClass(REFCLSID id, IClassFactory* factory) {
-    if (FAILED(CoRegisterClassObject(id, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_)))
-        cookie_ = 0;
+    if (FAILED(CoRegisterClassObject(id, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_))) cookie_ = 0;
 }
 
 RegisteredClass::~RegisteredClass() {
@@ -49,8 +48,7 @@ ExtensionServer::ExtensionServer(const std::string& dllPath) : dll_(dllPath) {
 }
 
 SystemServer::SystemServer(REFCLSID id) {
-    const HRESULT result =
-        CoGetClassObject(id, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory_.PutVoid());
+    const HRESULT result = CoGetClassObject(id, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory_.PutVoid());
     if (FAILED(result)) Fail("CoGetClassObject", result);
     registration_ = Register(id, factory_.Get(), "a system class");
 }

@@ -82,8 +82,7 @@ bool OurCycle(const std::wstring& path, Steps* steps) {
     HICON large = nullptr, small = nullptr;
     {
         ComPtr<IPersistFile> file;
-        if (FAILED(CoCreateInstance(CLSID_VQCProp, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile,
-                                    file.PutVoid())))
+        if (FAILED(CoCreateInstance(CLSID_VQCProp, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile, file.PutVoid())))
             return false;
         clock.Lap(&Steps::create);
         if (FAILED(file->Load(path.c_str(), STGM_READ))) return false;
@@ -118,8 +117,7 @@ bool ShortcutCycle(const std::wstring& path, Steps* steps) {
     HICON large = nullptr, small = nullptr;
     {
         ComPtr<IShellLinkA> link;
-        if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
-                                    link.PutVoid())))
+        if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, link.PutVoid())))
             return false;
         clock.Lap(&Steps::create);
         ComPtr<IPersistFile> file;
@@ -140,10 +138,10 @@ bool ShortcutCycle(const std::wstring& path, Steps* steps) {
 
 void PrintSteps(const char* side, const char* extractName, const Steps& steps) {
     const double n = steps.cycles / 1e6;
-    std::printf("  steps of %s: CoCreateInstance %.1f us, Load %.1f us, GetIconLocation %.1f us, %s %.1f us, "
-                "release %.1f us\n",
-                side, steps.create / n, steps.load / n, steps.location / n, extractName, steps.extract / n,
-                steps.release / n);
+    std::printf(
+        "  steps of %s: CoCreateInstance %.1f us, Load %.1f us, GetIconLocation %.1f us, %s %.1f us, "
+        "release %.1f us\n",
+        side, steps.create / n, steps.load / n, steps.location / n, extractName, steps.extract / n, steps.release / n);
 }
 
 }  // namespace
@@ -159,10 +157,8 @@ int main(int argc, char** argv) {
         const benchmark_server::SystemServer link(CLSID_ShellLink);
 
         const test_support::TempFolder folder("icon-benchmark");
-        const std::vector<IconImage> typical = {MakeTestIconImage(32, 4),
-                                                MakeTestIconImage(16, 4)};
-        const std::vector<IconImage> largest = {benchmark_files::LargestAcceptedImage(),
-                                                MakeTestIconImage(16, 32)};
+        const std::vector<IconImage> typical = {MakeTestIconImage(32, 4), MakeTestIconImage(16, 4)};
+        const std::vector<IconImage> largest = {benchmark_files::LargestAcceptedImage(), MakeTestIconImage(16, 32)};
         std::vector<Case> cases;
         auto addIconCase = [&](const std::string& name, const char* measure, const char* stem,
                                const std::vector<IconImage>& images, std::size_t fileBytes) {

@@ -49,8 +49,8 @@ std::vector<UniqueModule> LoadImportsOf(const std::string& path) {
     const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const IMAGE_DATA_DIRECTORY& imports = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     if (!imports.VirtualAddress) return kept;
-    for (auto* entry = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports.VirtualAddress);
-         entry->Name; ++entry) {
+    for (auto* entry = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports.VirtualAddress); entry->Name;
+         ++entry) {
         kept.emplace_back(LoadLibraryA(reinterpret_cast<const char*>(base + entry->Name)));
     }
     return kept;
@@ -105,8 +105,7 @@ int main(int argc, char** argv) {
                       "wmiutils.dll (%llu bytes)",
                       static_cast<unsigned long long>(FileSize(ours.path)),
                       static_cast<unsigned long long>(FileSize(system.path)));
-        side_by_side::Report(title, "vqcprop64.dll", "wmiutils.dll", result, counts.rounds, counts.cycles,
-                             "load");
+        side_by_side::Report(title, "vqcprop64.dll", "wmiutils.dll", result, counts.rounds, counts.cycles, "load");
     }
     CoUninitialize();
     return 0;

@@ -39,8 +39,8 @@ struct PageText {
 };
 // The sheet as the extension builds it when no client is installed: all three pages.
 constexpr PageText kPages[] = {{CVQCConnectionPage::kTemplateIndex, CVQCConnectionPage::kTitleStringId},
-                                {CVQCProxyPage::kTemplateIndex, CVQCProxyPage::kTitleStringId},
-                                {CVQCOptionPage::kTemplateIndex, CVQCOptionPage::kTitleStringId}};
+                               {CVQCProxyPage::kTemplateIndex, CVQCProxyPage::kTitleStringId},
+                               {CVQCOptionPage::kTemplateIndex, CVQCOptionPage::kTitleStringId}};
 
 // Shows the pages in a modeless sheet, has every page create its window, destroys the
 // sheet (which releases every page). True when all page windows were made.
@@ -66,8 +66,7 @@ BOOL CALLBACK CollectPage(HPROPSHEETPAGE page, LPARAM pages) {
 bool OurCycle(IDataObject* selection) {
     std::vector<HPROPSHEETPAGE> pages;
     ComPtr<IShellExtInit> init;
-    if (FAILED(CoCreateInstance(CLSID_VQCProp, nullptr, CLSCTX_INPROC_SERVER, IID_IShellExtInit,
-                                init.PutVoid())))
+    if (FAILED(CoCreateInstance(CLSID_VQCProp, nullptr, CLSCTX_INPROC_SERVER, IID_IShellExtInit, init.PutVoid())))
         return false;
     if (init->Initialize(nullptr, selection, nullptr) != S_OK) return false;
     ComPtr<IShellPropSheetExt> extension;
@@ -111,8 +110,8 @@ int main(int argc, char** argv) {
         const benchmark_server::ExtensionServer ours(benchmark_files::BuiltDllPath());
         const test_support::TempFolder folder("properties-benchmark");
         const std::string file = folder.File("office.vqc");
-        const std::size_t written = benchmark_files::WriteConnectionFile(
-            file, {MakeTestIconImage(32, 4), MakeTestIconImage(16, 4)}, 0);
+        const std::size_t written =
+            benchmark_files::WriteConnectionFile(file, {MakeTestIconImage(32, 4), MakeTestIconImage(16, 4)}, 0);
         const ComPtr<IDataObject> selection = test_support::ShellSelection({file});
         if (!selection) {
             std::fprintf(stderr, "the shell gave no selection for %s\n", file.c_str());
@@ -135,9 +134,8 @@ int main(int argc, char** argv) {
                 return 1;
             }
         }
-        const side_by_side::Comparison result =
-            side_by_side::Compare(counts.rounds, counts.cycles, [&] { return OurCycle(selection.Get()); },
-                                  [&] { return FloorCycle(floor); });
+        const side_by_side::Comparison result = side_by_side::Compare(
+            counts.rounds, counts.cycles, [&] { return OurCycle(selection.Get()); }, [&] { return FloorCycle(floor); });
         side_by_side::Report("Properties of a connection file (" + std::to_string(written) +
                                  " bytes, three pages, every page window created)",
                              "extension", "empty pages, same templates", result, counts.rounds, counts.cycles,

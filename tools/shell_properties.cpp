@@ -108,8 +108,8 @@ int main(int argc, char** argv) {
         road.WaitUntilReturned(kSheetWait);
         char code[16];
         wsprintfA(code, "0x%08lX", static_cast<unsigned long>(road.Result()));
-        Print(err, "shell_properties: the shell opened no property sheet for " + file + " (verb result " + code +
-                       ")\n");
+        Print(err,
+              "shell_properties: the shell opened no property sheet for " + file + " (verb result " + code + ")\n");
         return kExitFailed;
     }
 

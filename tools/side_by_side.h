@@ -84,8 +84,8 @@ Comparison Compare(int rounds, int cycles, Ours ours, Floor floor) {
 // One line per case: both medians with the spread of their rounds, and the ratio (the
 // median of the rounds' ratios, with their spread). With `measure` set, one more line for
 // scripts/bench.sh's table: "row|measure|ours us|floor us|ratio|lowest|highest|rounds".
-inline void Report(const std::string& name, const char* oursName, const char* floorName,
-                   const Comparison& c, int rounds, int cycles, const char* measure = nullptr) {
+inline void Report(const std::string& name, const char* oursName, const char* floorName, const Comparison& c,
+                   int rounds, int cycles, const char* measure = nullptr) {
     const Samples ratios = c.RoundRatios();
     std::printf("%s\n", name.c_str());
     std::printf("  %-26s median %10.1f us  (rounds %.1f .. %.1f)\n", oursName, c.ours.Median() * 1e6,

@@ -121,8 +121,8 @@ double Median(std::vector<double> samples) {
 void Breakdown(const std::string& path, int iterations) {
     std::string text;
     {
-        const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const UniqueKernelHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
         text.resize(GetFileSize(file.Get(), nullptr));
         DWORD read = 0;
         ReadFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &read, nullptr);
@@ -149,8 +149,8 @@ void Breakdown(const std::string& path, int iterations) {
 
 // Rounds of `cycles` Reads and `cycles` floors, the side that goes first swapping every
 // round so both see the same machine; reported as the other benchmarks report.
-void Measure(const std::string& name, const char* measure, const std::string& path, const Images& images,
-             int cycles, int rounds) {
+void Measure(const std::string& name, const char* measure, const std::string& path, const Images& images, int cycles,
+             int rounds) {
     side_by_side::Comparison result;
     auto timeSide = [&](bool reader) {
         double total = 0;
@@ -171,8 +171,10 @@ int main(int argc, char** argv) {
 
     const IconImage images[] = {MakeTestIconImage(32, 4), MakeTestIconImage(16, 4)};
     const std::vector<std::uint8_t> stream = BuildIconStream(images, 2);
-    const std::string typical = "-h server.example.com -V 5000 -l -c admin@proxy.example.com:3128 -v terminal "
-                                "-u bob \r\n-I \"" + HexTextOf(stream) + "\" -C bookmarks/main";
+    const std::string typical =
+        "-h server.example.com -V 5000 -l -c admin@proxy.example.com:3128 -v terminal "
+        "-u bob \r\n-I \"" +
+        HexTextOf(stream) + "\" -C bookmarks/main";
     const test_support::TempFolder folder("read-benchmark");
     const std::string typicalPath = folder.File("typical.vqc");
     WriteFileBytes(typicalPath, typical);
@@ -185,7 +187,8 @@ int main(int argc, char** argv) {
     // One side alone on the 1 MB file, for counting what it costs outside the program
     // (perf stat -e minor-faults on this process, once with each side).
     const std::string side = argc > 2 && !std::isdigit(static_cast<unsigned char>(argv[2][0])) ? argv[2]
-                             : argc > 3 ? argv[3] : "";
+                             : argc > 3                                                        ? argv[3]
+                                                                                               : "";
     if (side == "read-only" || side == "floor-only") {
         for (int i = 0; i < iterations; ++i) {
             if (side == "read-only")

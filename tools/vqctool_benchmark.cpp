@@ -48,8 +48,8 @@ std::string ToolPath() {
 // Runs a program with stdout into `out` and stderr discarded; its exit status.
 DWORD RunProgram(const std::string& program, const std::string& arguments, const std::string& out) {
     SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
-    const UniqueKernelHandle output(
-        CreateFileA(out.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueKernelHandle output(CreateFileA(out.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
+                                                FILE_ATTRIBUTE_NORMAL, nullptr));
     const UniqueKernelHandle discard(
         CreateFileA("NUL", GENERIC_WRITE, FILE_SHARE_WRITE, &inherit, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     STARTUPINFOA startup{};

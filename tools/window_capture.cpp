@@ -15,7 +15,9 @@ namespace {
 class WholeWindowDC {
 public:
     explicit WholeWindowDC(HWND window) noexcept : window_(window), dc_(GetWindowDC(window)) {}
-    ~WholeWindowDC() { if (dc_) ReleaseDC(window_, dc_); }
+    ~WholeWindowDC() {
+        if (dc_) ReleaseDC(window_, dc_);
+    }
     WholeWindowDC(const WholeWindowDC&) = delete;
     WholeWindowDC& operator=(const WholeWindowDC&) = delete;
     HDC Get() const noexcept { return dc_; }
@@ -30,7 +32,9 @@ private:
 class ComApartment {
 public:
     ComApartment() noexcept : result_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
-    ~ComApartment() { if (SUCCEEDED(result_)) CoUninitialize(); }
+    ~ComApartment() {
+        if (SUCCEEDED(result_)) CoUninitialize();
+    }
     ComApartment(const ComApartment&) = delete;
     ComApartment& operator=(const ComApartment&) = delete;
     bool Usable() const noexcept { return SUCCEEDED(result_) || result_ == RPC_E_CHANGED_MODE; }

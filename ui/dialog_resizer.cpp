@@ -69,10 +69,7 @@ bool DialogResizer::ProcessWindowMessage(HWND, UINT message, WPARAM wParam, LPAR
         if (wParam != SIZE_MINIMIZED) UpdateLayout(LOWORD(lParam), HIWORD(lParam));
         result = 0;
         return true;
-    case WM_GETMINMAXINFO:
-        result = 0;
-        return true;
-    default:
-        return false;
+    case WM_GETMINMAXINFO: result = 0; return true;
+    default: return false;
     }
 }

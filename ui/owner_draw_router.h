@@ -47,8 +47,7 @@ public:
             self->DeleteItem(reinterpret_cast<DELETEITEMSTRUCT*>(lParam));
             result = TRUE;
             return true;
-        default:
-            return false;
+        default: return false;
         }
     }
 

@@ -3,6 +3,8 @@ VQC_PACKAGES=(
   cmake ninja-build make python3
   g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64
   clang libclang-rt-14-dev
+  # The sources' layout and static checks (tests/style).
+  clang-format clang-tidy
   googletest
   # vqctool's JSON (header-only, used by the MinGW build too).
   nlohmann-json3-dev

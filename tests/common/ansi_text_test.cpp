@@ -4,21 +4,13 @@
 
 #include <gtest/gtest.h>
 
-TEST(AnsiText, TrimRemovesWhiteSpaceFromBothEnds) {
-    EXPECT_EQ(ansi_text::Trimmed(" \t\r\n bob \v\f"), "bob");
-}
+TEST(AnsiText, TrimRemovesWhiteSpaceFromBothEnds) { EXPECT_EQ(ansi_text::Trimmed(" \t\r\n bob \v\f"), "bob"); }
 
-TEST(AnsiText, TrimKeepsInnerWhiteSpace) {
-    EXPECT_EQ(ansi_text::Trimmed("  my host  "), "my host");
-}
+TEST(AnsiText, TrimKeepsInnerWhiteSpace) { EXPECT_EQ(ansi_text::Trimmed("  my host  "), "my host"); }
 
-TEST(AnsiText, TrimOfOnlyWhiteSpaceIsEmpty) {
-    EXPECT_EQ(ansi_text::Trimmed(" \t "), "");
-}
+TEST(AnsiText, TrimOfOnlyWhiteSpaceIsEmpty) { EXPECT_EQ(ansi_text::Trimmed(" \t "), ""); }
 
-TEST(AnsiText, TrimLeavesHighBytesAlone) {
-    EXPECT_EQ(ansi_text::Trimmed("\xA0x\xA0"), "\xA0x\xA0");
-}
+TEST(AnsiText, TrimLeavesHighBytesAlone) { EXPECT_EQ(ansi_text::Trimmed("\xA0x\xA0"), "\xA0x\xA0"); }
 
 TEST(AnsiText, AppendFormatAppendsToExistingText) {
     std::string out = "-h ";

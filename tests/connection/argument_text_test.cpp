@@ -8,13 +8,9 @@ using argument_text::FindRegistrationKeyword;
 using argument_text::JoinLines;
 using argument_text::PrepareCommandLine;
 
-TEST(ArgumentText, CrLfBeforeAnOptionBecomesOneBlank) {
-    EXPECT_EQ(JoinLines("-h a\r\n-I x"), "-h a -I x");
-}
+TEST(ArgumentText, CrLfBeforeAnOptionBecomesOneBlank) { EXPECT_EQ(JoinLines("-h a\r\n-I x"), "-h a -I x"); }
 
-TEST(ArgumentText, CrLfBeforeAnythingElseGluesTheLines) {
-    EXPECT_EQ(JoinLines("-h ser\r\nver"), "-h server");
-}
+TEST(ArgumentText, CrLfBeforeAnythingElseGluesTheLines) { EXPECT_EQ(JoinLines("-h ser\r\nver"), "-h server"); }
 
 TEST(ArgumentText, LoneLfOrCrBeforeAnOptionBecomesOneBlank) {
     EXPECT_EQ(JoinLines("a\n-b"), "a -b");
@@ -57,8 +53,7 @@ TEST(ArgumentText, QuoteRuleNeedsDashWBlankQuote) {
 }
 
 TEST(ArgumentText, CommandLinePutsTheProgramPathInFrontUnquoted) {
-    EXPECT_EQ(PrepareCommandLine("C:\\Program Files\\x.exe", true, "-h a"),
-              "C:\\Program Files\\x.exe -h a");
+    EXPECT_EQ(PrepareCommandLine("C:\\Program Files\\x.exe", true, "-h a"), "C:\\Program Files\\x.exe -h a");
 }
 
 TEST(ArgumentText, CommandLineWithoutProgramNameIsTheJoinedText) {
@@ -92,6 +87,7 @@ struct KeywordRow {
 };
 
 // An independent copy of the keyword table, in table order.
+// clang-format off
 constexpr KeywordRow kExpectedKeywords[] = {
     {"register", 1, 0, 0},       {"regserver", 1, 0, 0},
     {"registeruser", 1, 1, 0},   {"regserveruser", 1, 1, 0},
@@ -99,6 +95,7 @@ constexpr KeywordRow kExpectedKeywords[] = {
     {"unregister", 0, 0, 0},     {"unregserver", 0, 0, 0},
     {"unregisteruser", 0, 1, 0}, {"unregserveruser", 0, 1, 0},
 };
+// clang-format on
 
 TEST(RegistrationKeywords, TableHoldsTheTenKeywordsInOrder) {
     ASSERT_EQ(std::size(argument_text::kRegistrationKeywords), std::size(kExpectedKeywords));
@@ -113,8 +110,7 @@ TEST(RegistrationKeywords, TableHoldsTheTenKeywordsInOrder) {
 
 std::string MixedCase(const std::string& word) {
     std::string mixed = word;
-    for (std::size_t i = 0; i < mixed.size(); i += 2)
-        mixed[i] = static_cast<char>(mixed[i] - 'a' + 'A');
+    for (std::size_t i = 0; i < mixed.size(); i += 2) mixed[i] = static_cast<char>(mixed[i] - 'a' + 'A');
     return mixed;
 }
 

@@ -77,8 +77,8 @@ ProbeRun RunArgvProbeFromFolder(const std::string& folderName, const std::string
     startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
     PROCESS_INFORMATION process{};
     std::string commandLine = "\"" + probe + "\"";
-    const BOOL started = CreateProcessA(probe.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                                        0, nullptr, run.folder.c_str(), &startup, &process);
+    const BOOL started = CreateProcessA(probe.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                        run.folder.c_str(), &startup, &process);
     SetEnvironmentVariableA("VQC_PROBE_TEXT", nullptr);
     writeEnd.Reset();
     if (!started) {
@@ -89,8 +89,7 @@ ProbeRun RunArgvProbeFromFolder(const std::string& folderName, const std::string
 
     char buffer[4096];
     DWORD got = 0;
-    while (ReadFile(readEnd.Get(), buffer, sizeof(buffer), &got, nullptr) && got > 0)
-        run.output.append(buffer, got);
+    while (ReadFile(readEnd.Get(), buffer, sizeof(buffer), &got, nullptr) && got > 0) run.output.append(buffer, got);
     WaitForSingleObject(processHandle.Get(), 30000);
     GetExitCodeProcess(processHandle.Get(), &run.exitCode);
 
@@ -106,8 +105,7 @@ ProbeRun RunArgvProbeFromFolder(const std::string& folderName, const std::string
 
 void DebuggerWaitTest::SetUp() {
     g_world = &world;
-    saved = SetDebuggerWaitHooks(
-        {CountingDebuggerPresent, CountingBreak, CountingSleep, RecordingAnnounce});
+    saved = SetDebuggerWaitHooks({CountingDebuggerPresent, CountingBreak, CountingSleep, RecordingAnnounce});
 }
 
 void DebuggerWaitTest::TearDown() {
@@ -116,8 +114,8 @@ void DebuggerWaitTest::TearDown() {
 }
 
 void RestoreRegistryRoots() {
-    for (HKEY root : {HKEY_CLASSES_ROOT, HKEY_CURRENT_CONFIG, HKEY_CURRENT_USER,
-                      HKEY_LOCAL_MACHINE, HKEY_PERFORMANCE_DATA, HKEY_USERS})
+    for (HKEY root : {HKEY_CLASSES_ROOT, HKEY_CURRENT_CONFIG, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE,
+                      HKEY_PERFORMANCE_DATA, HKEY_USERS})
         RegOverridePredefKey(root, nullptr);
 }
 
@@ -137,12 +135,10 @@ void SandboxTest::TearDown() {
 }
 
 void SandboxTest::WriteProbeThroughEveryRoot(const std::string& name) {
-    const HKEY roots[] = {HKEY_CLASSES_ROOT, HKEY_CURRENT_CONFIG, HKEY_CURRENT_USER,
-                          HKEY_LOCAL_MACHINE, HKEY_USERS};
+    const HKEY roots[] = {HKEY_CLASSES_ROOT, HKEY_CURRENT_CONFIG, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS};
     for (std::size_t i = 0; i < std::size(roots); ++i) {
         UniqueRegKey key;
-        EXPECT_EQ(RegCreateKeyExA(roots[i], name.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
-                                  key.Put(), nullptr),
+        EXPECT_EQ(RegCreateKeyExA(roots[i], name.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, key.Put(), nullptr),
                   ERROR_SUCCESS)
             << kRootsThatHoldKeys[i];
     }
@@ -155,9 +151,8 @@ std::int32_t RegistrationCallbackTest::Callback(RegistrationState* state, void* 
     test->seenContext = context;
     if (!test->sandboxProbeKey.empty()) {
         UniqueRegKey key;
-        test->probeWriteResult =
-            RegCreateKeyExA(HKEY_CLASSES_ROOT, test->sandboxProbeKey.c_str(), 0, nullptr, 0,
-                            KEY_WRITE, nullptr, key.Put(), nullptr);
+        test->probeWriteResult = RegCreateKeyExA(HKEY_CLASSES_ROOT, test->sandboxProbeKey.c_str(), 0, nullptr, 0,
+                                                 KEY_WRITE, nullptr, key.Put(), nullptr);
         test->written_.push_back("HKEY_CLASSES_ROOT\\" + test->sandboxProbeKey);
     }
     return 42;
@@ -166,8 +161,7 @@ std::int32_t RegistrationCallbackTest::Callback(RegistrationState* state, void* 
 std::int32_t RegistrationCallbackTest::Build(const char* text, std::int32_t* callbackResult) {
     int argc = 0;
     char** argv = nullptr;
-    const std::int32_t found =
-        BuildArgumentVector(text, &argc, &argv, true, this, Callback, callbackResult);
+    const std::int32_t found = BuildArgumentVector(text, &argc, &argv, true, this, Callback, callbackResult);
     const UniqueLocalMemory block(reinterpret_cast<HLOCAL>(argv));
     return found;
 }

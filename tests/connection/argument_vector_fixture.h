@@ -45,6 +45,7 @@ protected:
     DebuggerWaitHooks saved{};
 };
 
+// clang-format off
 inline constexpr const char* kAllRootNames[] = {
     "HKEY_CLASSES_ROOT", "HKEY_CURRENT_CONFIG",   "HKEY_CURRENT_USER",
     "HKEY_LOCAL_MACHINE", "HKEY_PERFORMANCE_DATA", "HKEY_USERS",
@@ -53,6 +54,7 @@ inline constexpr const char* kRootsThatHoldKeys[] = {
     "HKEY_CLASSES_ROOT", "HKEY_CURRENT_CONFIG", "HKEY_CURRENT_USER", "HKEY_LOCAL_MACHINE",
     "HKEY_USERS",
 };
+// clang-format on
 
 void RestoreRegistryRoots();
 bool KeyExists(HKEY root, const std::string& path);

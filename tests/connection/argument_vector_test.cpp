@@ -37,8 +37,7 @@ TEST(ArgumentVector, WithoutProgramNameOnlyTheTextIsSplit) {
 
 TEST(ArgumentVector, IconHexBrokenOverTwoLinesIsOneArgument) {
     const auto args = SplitOptionText("-h a\r\n-I \"00000100\r\n01001010\"");
-    EXPECT_EQ(WithoutProgram(args),
-              (std::vector<std::string>{"-h", "a", "-I", "0000010001001010"}));
+    EXPECT_EQ(WithoutProgram(args), (std::vector<std::string>{"-h", "a", "-I", "0000010001001010"}));
 }
 
 TEST(ArgumentVector, LineBreakBeforeAnythingButDashJoinsWithoutBlank) {
@@ -96,13 +95,31 @@ TEST(ArgumentVector, SizedTextSplitsAsTheZeroEndedTextDoes) {
 // chosen texts and on seeded random ones made of the bytes the rules care about.
 TEST(ArgumentVector, FuzzTargetsCopyOfTheSplittingRulesAgreesWithTheSystem) {
     std::vector<std::string> texts = {
-        "-h a", "  -h   a  ", "a\tb", "\"a b\"", "\"a b", "a\"b\"c", "\"\"", "a \"\"", "\"",
-        "\\\"a", "\\\\\"a b\"", "a\\b", "a\\", "\"a\"\"b\"", "\"\"\"", "\"\"\"\"", "\"a\"\"\"b\"",
-        "-w 'a b' 'c'", "-u \"-w \"'x", "-h p\x97\xc5\x98\xdfl\tx", "-d \" -N \" -C \"a  b\"",
+        "-h a",
+        "  -h   a  ",
+        "a\tb",
+        "\"a b\"",
+        "\"a b",
+        "a\"b\"c",
+        "\"\"",
+        "a \"\"",
+        "\"",
+        "\\\"a",
+        "\\\\\"a b\"",
+        "a\\b",
+        "a\\",
+        "\"a\"\"b\"",
+        "\"\"\"",
+        "\"\"\"\"",
+        "\"a\"\"\"b\"",
+        "-w 'a b' 'c'",
+        "-u \"-w \"'x",
+        "-h p\x97\xc5\x98\xdfl\tx",
+        "-d \" -N \" -C \"a  b\"",
     };
     std::mt19937 random(7);
-    static constexpr char kBytes[] = {'a', 'b', ' ', '\t', '"', '"', '\\', '\\', '\'', '-', 'w',
-                                      '\r', '\n', '@', ':', '\xe9', '\x97'};
+    static constexpr char kBytes[] = {'a', 'b', ' ',  '\t', '"', '"', '\\',   '\\',  '\'',
+                                      '-', 'w', '\r', '\n', '@', ':', '\xe9', '\x97'};
     for (int i = 0; i < 400; ++i) {
         std::string text;
         for (int n = std::uniform_int_distribution<int>(1, 24)(random); n > 0; --n)
@@ -110,8 +127,8 @@ TEST(ArgumentVector, FuzzTargetsCopyOfTheSplittingRulesAgreesWithTheSystem) {
         texts.push_back(text);
     }
     for (const std::string& text : texts) {
-        std::vector<std::string> copy = fuzz_split::SplitCommandLine(
-            argument_text::PrepareCommandLine("C:\\prog.exe", true, text));
+        std::vector<std::string> copy =
+            fuzz_split::SplitCommandLine(argument_text::PrepareCommandLine("C:\\prog.exe", true, text));
         copy.erase(copy.begin());
         EXPECT_EQ(copy, SplitSizedText(text)) << "text [" << text << "]";
     }
@@ -126,8 +143,7 @@ TEST(ArgumentVector, NullTextGivesOnlyTheProgramPath) {
 TEST(ArgumentVector, OneBlockHoldsArgcPlusTwoSlotsThenTheStrings) {
     int argc = -1;
     char** argv = reinterpret_cast<char**>(static_cast<uintptr_t>(0xdeadbeef));
-    ASSERT_EQ(BuildArgumentVector("-h host -u name", &argc, &argv, true, nullptr, nullptr, nullptr),
-              0);
+    ASSERT_EQ(BuildArgumentVector("-h host -u name", &argc, &argv, true, nullptr, nullptr, nullptr), 0);
     const UniqueLocalMemory block(reinterpret_cast<HLOCAL>(argv));
     ASSERT_EQ(argc, 5);
     EXPECT_EQ(argv[argc], nullptr);
@@ -272,8 +288,7 @@ TEST_F(RegistrationCallbackTest, WithoutCallbackAKeywordIsAPlainArgument) {
 TEST_F(RegistrationCallbackTest, VectorIsStillBuiltWhenTheCallbackRuns) {
     int argc = 0;
     char** argv = nullptr;
-    EXPECT_EQ(BuildArgumentVector("/register extra", &argc, &argv, true, this, Callback, nullptr),
-              1);
+    EXPECT_EQ(BuildArgumentVector("/register extra", &argc, &argv, true, this, Callback, nullptr), 1);
     const UniqueLocalMemory block(reinterpret_cast<HLOCAL>(argv));
     ASSERT_EQ(argc, 3);
     EXPECT_STREQ(argv[1], "/register");
@@ -293,8 +308,7 @@ TEST_F(RegistrationCallbackTest, SandboxKeywordRedirectsTheRegistryBeforeTheCall
 // --- the sandbox redirection -----------------------------------------------------------------
 
 TEST_F(SandboxTest, EveryRootThatHoldsKeysLandsBelowTheSandbox) {
-    for (const char* root : kRootsThatHoldKeys)
-        written_.push_back(std::string(root) + "\\VqcSandboxNoPrefix");
+    for (const char* root : kRootsThatHoldKeys) written_.push_back(std::string(root) + "\\VqcSandboxNoPrefix");
     EXPECT_EQ(RedirectRegistryToSandbox(nullptr), 1);
     WriteProbeThroughEveryRoot("VqcSandboxNoPrefix");
     RestoreRegistryRoots();
@@ -312,9 +326,7 @@ TEST_F(SandboxTest, PrefixPutsTheRootsBelowAFolderOfItsOwn) {
     WriteProbeThroughEveryRoot("VqcSandboxWithPrefix");
     RestoreRegistryRoots();
     for (const char* root : kRootsThatHoldKeys) {
-        EXPECT_TRUE(SandboxKeyExists(std::string("VqcTestPrefix\\") + root +
-                                     "\\VqcSandboxWithPrefix"))
-            << root;
+        EXPECT_TRUE(SandboxKeyExists(std::string("VqcTestPrefix\\") + root + "\\VqcSandboxWithPrefix")) << root;
         EXPECT_FALSE(SandboxKeyExists(std::string(root) + "\\VqcSandboxWithPrefix")) << root;
     }
 }

@@ -48,8 +48,10 @@ TEST(FileLeaks, HundredThousandReadsWithAnIconStillGiveIcons) {
     int withIcons = 0;
     for (int i = 0; i < kReads; ++i) {
         auto record = std::make_unique<VQCFileInfo>("x");
-        if (record->Read(file.Path()) == 0 && record->icon && record->smallIcon) ++withIcons;
-        else break;
+        if (record->Read(file.Path()) == 0 && record->icon && record->smallIcon)
+            ++withIcons;
+        else
+            break;
     }
     EXPECT_EQ(withIcons, kReads);
     EXPECT_TRUE(file.OpensExclusively());

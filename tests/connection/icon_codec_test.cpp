@@ -29,8 +29,7 @@ std::string Encode(HICON icon, HICON smallIcon, std::uint64_t* reported = nullpt
 }
 
 std::string WithoutLineBreaks(std::string text) {
-    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }),
-               text.end());
+    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }), text.end());
     return text;
 }
 

@@ -32,8 +32,7 @@ inline std::vector<std::uint8_t> BitsOf(HBITMAP bitmap, int width, int height, W
     info.header.biCompression = BI_RGB;
     std::vector<std::uint8_t> bits(static_cast<std::size_t>((width * depth + 31) / 32 * 4) * height);
     const WindowDC dc(nullptr);
-    EXPECT_EQ(GetDIBits(dc.Get(), bitmap, 0, height, bits.data(), reinterpret_cast<BITMAPINFO*>(&info),
-                        DIB_RGB_COLORS),
+    EXPECT_EQ(GetDIBits(dc.Get(), bitmap, 0, height, bits.data(), reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS),
               height);
     return bits;
 }

@@ -56,9 +56,9 @@ TEST(IconStream, DirectoryEntryOfAFourBitImage) {
     const IconImage image = FourBitImage(32);
     const std::vector<std::uint8_t> s = BuildIconStream(&image, 1);
     const std::vector<std::uint8_t> header(s.begin(), s.begin() + 22);
-    EXPECT_EQ(header, (std::vector<std::uint8_t>{0, 0, 1, 0, 1, 0,          // reserved, type, count
-                                                 32, 32, 16, 0, 1, 0, 4, 0,  // size, colours, planes, bits
-                                                 0xE8, 2, 0, 0, 22, 0, 0, 0}));  // 744 bytes at 22
+    EXPECT_EQ(header, (std::vector<std::uint8_t>{0,    0,  1,  0, 1,  0,           // reserved, type, count
+                                                 32,   32, 16, 0, 1,  0, 4, 0,     // size, colours, planes, bits
+                                                 0xE8, 2,  0,  0, 22, 0, 0, 0}));  // 744 bytes at 22
     // The image's header: 40, width 32, height 64 (doubled), 1 plane, 4 bits, size 0.
     EXPECT_EQ(s[22], 40);
     EXPECT_EQ(s[26], 32);
@@ -154,7 +154,10 @@ TEST(IconStream, ParserCountZeroReturnsOne) {
 TEST(IconStream, LoneLastDigitIsItsOwnValue) {
     // Count "1" alone: the second byte of the count is absent and the first reads 1.
     Taken taken;
-    EXPECT_EQ(ParseIconStream("00000100" "1", taken), 1);
+    EXPECT_EQ(ParseIconStream("00000100"
+                              "1",
+                              taken),
+              1);
     ASSERT_EQ(taken.images.size(), 1u);
     EXPECT_TRUE(taken.images[0].second.empty());  // the entry read as zeros: size 0
 }
@@ -196,8 +199,7 @@ namespace {
 std::vector<std::uint8_t> DoubleMask(int height) {
     std::vector<std::uint8_t> bits;
     for (int row = 0; row < 2 * height; ++row)
-        bits.insert(bits.end(), 4,
-                    static_cast<std::uint8_t>(row < height ? 0xA0 + row : 0x50 + (row - height)));
+        bits.insert(bits.end(), 4, static_cast<std::uint8_t>(row < height ? 0xA0 + row : 0x50 + (row - height)));
     return bits;
 }
 
@@ -210,14 +212,16 @@ TEST(IconStream, MonochromeImageTakesXorFromTheLowerRowsAndAndFromTheUpper) {
     EXPECT_EQ(image.format.planes, 1);
     EXPECT_EQ(image.format.bitsPerPixel, 1);
     const std::vector<std::uint8_t> expected = {
-        40, 0, 0, 0, 32, 0, 0, 0, 8, 0, 0, 0, 1, 0, 1, 0,  // size, width, height x 2, planes, bits
-        0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    // compression, image size, resolution
-        0, 0, 0, 0, 0, 0, 0, 0,                            // colours used, important
-        0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0,                   // black, white
-        0xA0, 0xA0, 0xA0, 0xA0, 0xA1, 0xA1, 0xA1, 0xA1,    // XOR rows 0 and 1
-        0xA2, 0xA2, 0xA2, 0xA2, 0xA3, 0xA3, 0xA3, 0xA3,    // XOR rows 2 and 3
-        0x50, 0x50, 0x50, 0x50, 0x51, 0x51, 0x51, 0x51,    // AND rows 0 and 1
-        0x52, 0x52, 0x52, 0x52, 0x53, 0x53, 0x53, 0x53};   // AND rows 2 and 3
+        40,   0,    0,    0,    32,   0,    0,    0,
+        8,    0,    0,    0,    1,    0,    1,    0,  // size, width, height x 2, planes, bits
+        0,    0,    0,    0,    0,    0,    0,    0,
+        0,    0,    0,    0,    0,    0,    0,    0,      // compression, image size, resolution
+        0,    0,    0,    0,    0,    0,    0,    0,      // colours used, important
+        0,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0,      // black, white
+        0xA0, 0xA0, 0xA0, 0xA0, 0xA1, 0xA1, 0xA1, 0xA1,   // XOR rows 0 and 1
+        0xA2, 0xA2, 0xA2, 0xA2, 0xA3, 0xA3, 0xA3, 0xA3,   // XOR rows 2 and 3
+        0x50, 0x50, 0x50, 0x50, 0x51, 0x51, 0x51, 0x51,   // AND rows 0 and 1
+        0x52, 0x52, 0x52, 0x52, 0x53, 0x53, 0x53, 0x53};  // AND rows 2 and 3
     EXPECT_EQ(image.dib, expected);
 }
 

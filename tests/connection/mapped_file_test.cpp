@@ -11,16 +11,14 @@
 namespace {
 
 bool OpensForReadingAlongside(const char* path) {
-    HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return false;
     CloseHandle(file);
     return true;
 }
 
-std::string ViewText(const MappedFile& file) {
-    return std::string(static_cast<const char*>(file.view()), file.size());
-}
+std::string ViewText(const MappedFile& file) { return std::string(static_cast<const char*>(file.view()), file.size()); }
 
 }  // namespace
 

@@ -128,8 +128,8 @@ TEST(ReadForIcon, FileAnotherProgramWritesToFailsAsReadFails) {
     // A writer that shares reading and writing: the reader asks for reading only and shares
     // only reading, so neither read may open the file.
     TempFile file("read-for-icon-writer", "-h server -I \"" + IconText() + "\"");
-    const UniqueKernelHandle writer(CreateFileA(file.Path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueKernelHandle writer(CreateFileA(file.Path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     ASSERT_TRUE(writer);
     VQCFileInfo whole("C:\\a.vqc"), road("C:\\a.vqc");
     EXPECT_EQ(whole.Read(file.Path()), 1);

@@ -43,7 +43,9 @@ public:
         return std::uniform_int_distribution<std::uint32_t>(low, high)(random_);
     }
     template <typename T>
-    const T& Pick(const std::vector<T>& choices) { return choices[Number(0, static_cast<std::uint32_t>(choices.size() - 1))]; }
+    const T& Pick(const std::vector<T>& choices) {
+        return choices[Number(0, static_cast<std::uint32_t>(choices.size() - 1))];
+    }
 
     std::string RandomBytes(std::size_t maxLength) {
         std::string bytes(Number(1, static_cast<std::uint32_t>(maxLength)), '\0');
@@ -69,8 +71,10 @@ public:
     }
 
     std::uint32_t Extreme() {
-        return Pick<std::uint32_t>({0, 1, 2, 3, 12, 39, 40, 41, 255, 256, 16347, 16348, 16349, 0x7FFF, 0x8000,
-                                    0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, Number(0, 0xFFFFFFFF)});
+        return Pick<std::uint32_t>(
+            {0,      1,      2,       3,          12,         39,         40,
+             41,     255,    256,     16347,      16348,      16349,      0x7FFF,
+             0x8000, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, Number(0, 0xFFFFFFFF)});
     }
 
     // A well-formed stream whose directory or first bitmap header says something odd.
@@ -78,16 +82,25 @@ public:
         std::vector<std::uint8_t> s = ValidStream();
         const std::size_t image = 6 + 16 * (s[4] | (s[5] << 8));
         switch (Number(0, 9)) {
-            case 0: s[4] = static_cast<std::uint8_t>(Number(0, 255)); s[5] = static_cast<std::uint8_t>(Number(0, 255)); break;
-            case 1: Put32(s, 6 + 8, Extreme()); break;                        // image size
-            case 2: Put32(s, image + 0, Extreme()); break;                    // biSize
-            case 3: Put32(s, image + 4, Extreme()); break;                    // width
-            case 4: Put32(s, image + 8, Extreme()); break;                    // height
-            case 5: s[image + 14] = static_cast<std::uint8_t>(Extreme()); s[image + 15] = static_cast<std::uint8_t>(Extreme() >> 8); break;  // bits
-            case 6: Put32(s, image + 16, Extreme()); break;                   // compression
-            case 7: Put32(s, image + 32, Extreme()); break;                   // colours used
-            case 8: Put32(s, image + 4, Extreme()); Put32(s, image + 8, Extreme()); break;
-            default: s[image + 12] = static_cast<std::uint8_t>(Number(0, 255)); break;  // planes
+        case 0:
+            s[4] = static_cast<std::uint8_t>(Number(0, 255));
+            s[5] = static_cast<std::uint8_t>(Number(0, 255));
+            break;
+        case 1: Put32(s, 6 + 8, Extreme()); break;      // image size
+        case 2: Put32(s, image + 0, Extreme()); break;  // biSize
+        case 3: Put32(s, image + 4, Extreme()); break;  // width
+        case 4: Put32(s, image + 8, Extreme()); break;  // height
+        case 5:
+            s[image + 14] = static_cast<std::uint8_t>(Extreme());
+            s[image + 15] = static_cast<std::uint8_t>(Extreme() >> 8);
+            break;                                       // bits
+        case 6: Put32(s, image + 16, Extreme()); break;  // compression
+        case 7: Put32(s, image + 32, Extreme()); break;  // colours used
+        case 8:
+            Put32(s, image + 4, Extreme());
+            Put32(s, image + 8, Extreme());
+            break;
+        default: s[image + 12] = static_cast<std::uint8_t>(Number(0, 255)); break;  // planes
         }
         return s;
     }
@@ -98,41 +111,40 @@ public:
 
     std::string Next(int round) {
         switch (round % 9) {
-            case 0:
-                return RandomBytes(4096);
-            case 1: {  // a good file, cut anywhere
-                const std::string file = IconFile(HexTextOf(ValidStream()));
-                return file.substr(0, Number(1, static_cast<std::uint32_t>(file.size())));
-            }
-            case 2: {  // a good icon block with random characters overwritten
-                std::string hex = HexTextOf(ValidStream());
-                for (std::uint32_t i = Number(1, 20); i > 0; --i)
-                    hex[Number(0, static_cast<std::uint32_t>(hex.size() - 1))] = static_cast<char>(Number(0, 255));
-                return IconFile(hex);
-            }
-            case 3:
-            case 4:
-                return IconFile(HexTextOf(OddStream()));
-            case 5:  // lone quotes, backslashes, dashes, line breaks
-                return FromAlphabet("\"\\ -hCIiwcfFV@:'\r\nab0", Number(1, 2000));
-            case 6: {  // options with strange arguments
-                std::string line;
-                for (std::uint32_t i = Number(1, 40); i > 0; --i)
-                    line += "-" + FromAlphabet("CFIKLMNRSTVacdfhilsuv-", 1) + " " +
-                            FromAlphabet("ab@:\"\\ 0F", Number(0, 8)) + " ";
-                return line;
-            }
-            case 7: {  // header fields out of every range
-                std::vector<std::uint8_t> s = OddStream();
-                s[0] = static_cast<std::uint8_t>(Number(0, 1));
-                return IconFile(HexTextOf(s));
-            }
-            default: {  // the hex without its quotes or with its breaks in odd places
-                std::string hex = HexTextOf(ValidStream());
-                for (std::uint32_t i = Number(0, 5); i > 0; --i)
-                    hex.insert(Number(0, static_cast<std::uint32_t>(hex.size())), Pick<std::string>({"\r\n", "\n-", "\"", " "}));
-                return "-I " + hex;
-            }
+        case 0: return RandomBytes(4096);
+        case 1: {  // a good file, cut anywhere
+            const std::string file = IconFile(HexTextOf(ValidStream()));
+            return file.substr(0, Number(1, static_cast<std::uint32_t>(file.size())));
+        }
+        case 2: {  // a good icon block with random characters overwritten
+            std::string hex = HexTextOf(ValidStream());
+            for (std::uint32_t i = Number(1, 20); i > 0; --i)
+                hex[Number(0, static_cast<std::uint32_t>(hex.size() - 1))] = static_cast<char>(Number(0, 255));
+            return IconFile(hex);
+        }
+        case 3:
+        case 4: return IconFile(HexTextOf(OddStream()));
+        case 5:  // lone quotes, backslashes, dashes, line breaks
+            return FromAlphabet("\"\\ -hCIiwcfFV@:'\r\nab0", Number(1, 2000));
+        case 6: {  // options with strange arguments
+            std::string line;
+            for (std::uint32_t i = Number(1, 40); i > 0; --i)
+                line += "-" + FromAlphabet("CFIKLMNRSTVacdfhilsuv-", 1) + " " +
+                        FromAlphabet("ab@:\"\\ 0F", Number(0, 8)) + " ";
+            return line;
+        }
+        case 7: {  // header fields out of every range
+            std::vector<std::uint8_t> s = OddStream();
+            s[0] = static_cast<std::uint8_t>(Number(0, 1));
+            return IconFile(HexTextOf(s));
+        }
+        default: {  // the hex without its quotes or with its breaks in odd places
+            std::string hex = HexTextOf(ValidStream());
+            for (std::uint32_t i = Number(0, 5); i > 0; --i)
+                hex.insert(Number(0, static_cast<std::uint32_t>(hex.size())),
+                           Pick<std::string>({"\r\n", "\n-", "\"", " "}));
+            return "-I " + hex;
+        }
         }
     }
 

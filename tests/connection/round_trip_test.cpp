@@ -70,16 +70,18 @@ ConnectionSettings ExpectedAfterRoundTrip(const VQCFileInfo& w) {
         } else {
             // Deviation: host (like every text the reader takes) comes back trimmed.
             e.host = Trimmed(w.host);
-            if (w.optionL) e.optionL = 1;
-            else if (w.optionN) e.optionN = 1;
-            else if (w.optionNM) e.optionNM = 1, e.noOptionM = 0;
+            if (w.optionL)
+                e.optionL = 1;
+            else if (w.optionN)
+                e.optionN = 1;
+            else if (w.optionNM)
+                e.optionNM = 1, e.noOptionM = 0;
             // Deviation: values the writer leaves out come back as the defaults.
             const std::int32_t defaultPort = w.encrypt ? 4790 : 790;
             if (!w.serviceName.empty() && w.servicePort != -1 && w.servicePort != defaultPort)
                 e.servicePort = w.servicePort;
             e.optionR = w.optionR;
-            if (v >= 665 && v <= 689 && !w.noOptionM && !w.serviceName.empty() && !w.optionNM)
-                e.noOptionM = 0;
+            if (v >= 665 && v <= 689 && !w.noOptionM && !w.serviceName.empty() && !w.optionNM) e.noOptionM = 0;
             if (v >= 620 && v != 640 && w.encrypt) e.encrypt = 1;
             e.option_s = w.option_s;
             if (v >= 620) {
@@ -195,8 +197,8 @@ public:
         r->login = Text(true);
         r->host = Text(true);
         r->commandLine = CommandLine();
-        r->localTarget = Chance(25) ? Word() + "@" + Word() + (Chance(50) ? ":" + std::to_string(Number(1, 9999)) : "")
-                                    : Text(true);
+        r->localTarget =
+            Chance(25) ? Word() + "@" + Word() + (Chance(50) ? ":" + std::to_string(Number(1, 9999)) : "") : Text(true);
         r->serviceName = Text(true);
         r->startDirectory = Text(true);
         r->proxyHost = Chance(70) ? Word() : "";

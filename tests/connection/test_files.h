@@ -15,8 +15,8 @@ public:
         static std::atomic<unsigned> counter{0};
         char folder[MAX_PATH + 1] = {};
         GetTempPathA(sizeof(folder), folder);
-        path_ = std::string(folder) + "vqc-" + tag + "-" + std::to_string(GetCurrentProcessId()) +
-                "-" + std::to_string(counter++) + ".vqc";
+        path_ = std::string(folder) + "vqc-" + tag + "-" + std::to_string(GetCurrentProcessId()) + "-" +
+                std::to_string(counter++) + ".vqc";
         DeleteFileA(path_.c_str());
     }
     TempFile(const std::string& tag, const std::string& content) : TempFile(tag) { Write(content); }

@@ -144,12 +144,8 @@ BOOLEAN WINAPI DomainQueryAnswering(bool answer, int nameFormat, PULONG size) {
     g_lastBufferSize = *size;
     return answer ? TRUE : FALSE;
 }
-BOOLEAN WINAPI InDomain(int nameFormat, LPSTR, PULONG size) {
-    return DomainQueryAnswering(true, nameFormat, size);
-}
-BOOLEAN WINAPI NotInDomain(int nameFormat, LPSTR, PULONG size) {
-    return DomainQueryAnswering(false, nameFormat, size);
-}
+BOOLEAN WINAPI InDomain(int nameFormat, LPSTR, PULONG size) { return DomainQueryAnswering(true, nameFormat, size); }
+BOOLEAN WINAPI NotInDomain(int nameFormat, LPSTR, PULONG size) { return DomainQueryAnswering(false, nameFormat, size); }
 
 class DomainCheck : public ::testing::Test {
 protected:

@@ -53,8 +53,8 @@ TEST(Reader, EmptyFileFailsWithErrorAndKeepsDefaults) {
 
 TEST(Reader, EmptyFileLeavesTheErrorOfCreateFileMapping) {
     TempFile file("empty", "");
-    HANDLE handle = CreateFileA(file.Path(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE handle =
+        CreateFileA(file.Path(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(handle, INVALID_HANDLE_VALUE);
     SetLastError(0xdeadbeef);
     EXPECT_EQ(CreateFileMappingA(handle, nullptr, PAGE_READONLY, 0, 0, nullptr), nullptr);
@@ -249,8 +249,7 @@ TEST(Reader, ServicePortFollowsAtoi) {
 
 TEST(Reader, DisguiseHttpIsSwitchedOffByALaterDoubleDashAndDebugStartsTheWait) {
     g_breaks = 0;
-    const DebuggerWaitHooks previous =
-        SetDebuggerWaitHooks({AlwaysPresent, CountBreak, NoSleep, NoAnnounce});
+    const DebuggerWaitHooks previous = SetDebuggerWaitHooks({AlwaysPresent, CountBreak, NoSleep, NoAnnounce});
     Record r = ReadText("--disguise-http --debug");
     SetDebuggerWaitHooks(previous);
     EXPECT_EQ(r->disguiseHttp, 0);

@@ -104,9 +104,11 @@ TEST(Writer, AutomaticMOnlyFrom665To689) {
     auto r = Fresh();
     r->serviceName = "svc";
     r->noOptionM = 0;
+    // clang-format off
     const struct { std::int32_t version; const char* expected; } cases[] = {
         {664, "-v svc "}, {665, "-M -v svc "}, {677, "-M -v svc "}, {689, "-M -v svc "}, {690, "-v svc "},
     };
+    // clang-format on
     for (const auto& c : cases) {
         r->clientVersion = c.version;
         EXPECT_EQ(Written(*r), c.expected) << c.version;
@@ -260,8 +262,7 @@ TEST(Writer, TypicalRemoteFileInOrder) {
     r->answerBack = "back";
     r->login = "bob";
     r->commandLine = "prog  -x \"a b\"";
-    EXPECT_EQ(Written(*r),
-              "-h server -V 5000 -R -l -s -c proxy:3128 -T -v svc -a back -u bob -C prog  -x \"a b\"");
+    EXPECT_EQ(Written(*r), "-h server -V 5000 -R -l -s -c proxy:3128 -T -v svc -a back -u bob -C prog  -x \"a b\"");
 }
 
 TEST(Writer, IconBlockStandsOnItsOwnLineInQuotes) {
@@ -294,8 +295,7 @@ TEST(Writer, BlackAndWhiteIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     EXPECT_EQ(IconSize(r->smallIcon.Get()).cx, GetSystemMetrics(SM_CXSMICON));
     for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
         EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, background), RenderedIcon(w->icon.Get(), 32, background));
-        EXPECT_EQ(RenderedIcon(r->smallIcon.Get(), 16, background),
-                  RenderedIcon(w->smallIcon.Get(), 16, background));
+        EXPECT_EQ(RenderedIcon(r->smallIcon.Get(), 16, background), RenderedIcon(w->smallIcon.Get(), 16, background));
     }
     EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, 0, DI_MASK), RenderedIcon(w->icon.Get(), 32, 0, DI_MASK));
 }
@@ -314,8 +314,7 @@ TEST(Writer, FourBitIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     EXPECT_EQ(IconSize(r->icon.Get()).cy, 32);
     for (COLORREF background : {RGB(0x20, 0xC0, 0x60), RGB(0x90, 0x10, 0xA0)}) {
         EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, background), RenderedIcon(w->icon.Get(), 32, background));
-        EXPECT_EQ(RenderedIcon(r->smallIcon.Get(), 16, background),
-                  RenderedIcon(w->smallIcon.Get(), 16, background));
+        EXPECT_EQ(RenderedIcon(r->smallIcon.Get(), 16, background), RenderedIcon(w->smallIcon.Get(), 16, background));
     }
     EXPECT_EQ(RenderedIcon(r->icon.Get(), 32, 0, DI_MASK), RenderedIcon(w->icon.Get(), 32, 0, DI_MASK));
     // The drawing uses the whole palette, so equal drawings mean equal icons.
@@ -352,8 +351,8 @@ TEST(Writer, DirectoryPathFailsWithTheErrorOfCreateFile) {
     const std::string directory = std::string(folder) + "vqc-writer-dir-" + std::to_string(GetCurrentProcessId());
     ASSERT_TRUE(CreateDirectoryA(directory.c_str(), nullptr));
     SetLastError(0);
-    HANDLE probe = CreateFileA(directory.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE probe = CreateFileA(directory.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
     const DWORD expected = GetLastError();
     EXPECT_EQ(probe, INVALID_HANDLE_VALUE);
     auto r = Fresh();
@@ -369,8 +368,8 @@ TEST(Writer, ReadOnlyFileFailsWithAccessDeniedAndKeepsItsContent) {
     TempFile file("readonly", "-h old ");
     ASSERT_TRUE(SetFileAttributesA(file.Path(), FILE_ATTRIBUTE_READONLY));
     // Wine keeps the attribute as Unix permissions, which root does not obey.
-    HANDLE probe = CreateFileA(file.Path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE probe = CreateFileA(file.Path(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
     if (probe != INVALID_HANDLE_VALUE) {
         CloseHandle(probe);
         GTEST_SKIP() << "read-only files are writable for this user (Wine run as root)";
@@ -384,8 +383,7 @@ TEST(Writer, ReadOnlyFileFailsWithAccessDeniedAndKeepsItsContent) {
 
 TEST(Writer, FileOpenedWithoutSharingFailsWithSharingViolationAndKeepsItsContent) {
     TempFile file("locked", "-h old ");
-    HANDLE lock = CreateFileA(file.Path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                              FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE lock = CreateFileA(file.Path(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
     auto r = Fresh();
     r->host = "new";

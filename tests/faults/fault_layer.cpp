@@ -60,8 +60,10 @@ std::array<std::uintptr_t, kSiteDepth> ModulePath(const LayerState& state, ULONG
 }  // namespace
 
 const char* KindName(ObjectKind kind) {
+    // clang-format off
     static constexpr const char* kNames[kObjectKindCount] = {
         "Icon", "Bitmap", "DeviceContext", "File", "Mapping", "View", "RegistryKey", "HeapBlock", "LocalBlock"};
+    // clang-format on
     return kNames[static_cast<std::size_t>(kind)];
 }
 
@@ -132,8 +134,8 @@ void HandedOut(ObjectKind kind, const void* object) {
     const std::lock_guard<std::mutex> guard(state.lock);
     const auto found = state.live.find(object);
     if (found == state.live.end() || found->second != kind) {
-        state.problems.push_back(std::string("handed out a ") + KindName(kind) + " the books do not hold: " +
-                                 Hex(reinterpret_cast<std::uintptr_t>(object)));
+        state.problems.push_back(std::string("handed out a ") + KindName(kind) +
+                                 " the books do not hold: " + Hex(reinterpret_cast<std::uintptr_t>(object)));
         return;
     }
     state.madeAt.erase(object);
@@ -251,7 +253,8 @@ void Created(ObjectKind kind, const void* object) {
     const auto [where, fresh] = state.live.emplace(object, kind);
     if (!fresh) {
         state.problems.push_back(std::string("the system handed out a live ") + KindName(where->second) +
-                                 " again as a " + KindName(kind) + ": " + Hex(reinterpret_cast<std::uintptr_t>(object)));
+                                 " again as a " + KindName(kind) + ": " +
+                                 Hex(reinterpret_cast<std::uintptr_t>(object)));
         where->second = kind;
     }
 }
@@ -271,14 +274,14 @@ void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object) {
     if (found == state.live.end()) {
         for (const ObjectKind kind : kinds) {
             if (state.destroyed.count({object, kind}))
-                state.problems.push_back(std::string(KindName(kind)) + " destroyed twice: " +
-                                         Hex(reinterpret_cast<std::uintptr_t>(object)));
+                state.problems.push_back(std::string(KindName(kind)) +
+                                         " destroyed twice: " + Hex(reinterpret_cast<std::uintptr_t>(object)));
         }
         return;
     }
     if (std::find(kinds.begin(), kinds.end(), found->second) == kinds.end()) {
-        state.problems.push_back(std::string("a ") + KindName(found->second) + " destroyed as another kind: " +
-                                 Hex(reinterpret_cast<std::uintptr_t>(object)));
+        state.problems.push_back(std::string("a ") + KindName(found->second) +
+                                 " destroyed as another kind: " + Hex(reinterpret_cast<std::uintptr_t>(object)));
     }
     if (state.rememberDestroyed) state.destroyed.insert({object, found->second});
     state.madeAt.erase(object);

@@ -98,8 +98,8 @@ public:
     PausedCounting(const PausedCounting&) = delete;
     PausedCounting& operator=(const PausedCounting&) = delete;
 };
-bool Fired();           // the armed call happened and was failed
-CallSite FiredCall();   // which it was
+bool Fired();          // the armed call happened and was failed
+CallSite FiredCall();  // which it was
 
 // The wrapped functions' names, for the README's and the tests' accounting.
 std::vector<std::string> WrappedFunctions();

@@ -56,8 +56,8 @@ RunOutcome RunOnce(const std::string& modulePath, const Scenario& scenario, cons
     ArmAt(0);
 
     if (options.comServer) {
-        const auto canUnload = reinterpret_cast<CanUnloadNowFunction>(
-            reinterpret_cast<void*>(GetProcAddress(module, "DllCanUnloadNow")));
+        const auto canUnload =
+            reinterpret_cast<CanUnloadNowFunction>(reinterpret_cast<void*>(GetProcAddress(module, "DllCanUnloadNow")));
         checks.Expect(canUnload && canUnload() == S_OK, "objects or locks of the module are still alive");
     }
     FreeLibrary(module);
@@ -143,8 +143,7 @@ std::string SweepReport::Summary(const std::string& name) const {
     return "sweep " + name + ": " + std::to_string(calls) + " calls at " + std::to_string(sites) + " sites; " +
            std::to_string(swept.size()) + " faulted runs (k = " + DescribeRuns(swept) + "); faults injected " +
            std::to_string(injected) + "; kept by a clean run for the process " + std::to_string(keptByDesign) +
-           "; objects leaked " + std::to_string(objectsLeaked) + "; problems " +
-           std::to_string(problems.size());
+           "; objects leaked " + std::to_string(objectsLeaked) + "; problems " + std::to_string(problems.size());
 }
 
 SweepOptions OptionsFromEnvironment(SweepOptions options) {
@@ -167,7 +166,8 @@ SweepReport Sweep(const std::string& modulePath, const Scenario& scenario, const
 
     // VQC_SWEEP_TRACE=1 lists the calls of the counting run, to find a run by its k.
     if (const char* list = std::getenv("VQC_SWEEP_TRACE"); list && std::string(list) == "1") {
-        for (std::size_t k = 1; k <= trace.size(); ++k) std::printf("call %zu: %s\n", k, Describe(trace[k - 1]).c_str());
+        for (std::size_t k = 1; k <= trace.size(); ++k)
+            std::printf("call %zu: %s\n", k, Describe(trace[k - 1]).c_str());
     }
     report.swept = ChooseRuns(trace, options.maxRuns);
     for (const std::uint64_t k : report.swept) {

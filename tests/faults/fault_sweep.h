@@ -45,12 +45,12 @@ struct SweepOptions {
 };
 
 struct SweepReport {
-    std::uint64_t calls = 0;         // N of the counting run
-    std::size_t sites = 0;           // distinct call sites among them
-    std::vector<std::uint64_t> swept;  // the k that ran
-    std::size_t injected = 0;        // runs in which the armed call happened and failed
-    std::size_t keptByDesign = 0;    // alive after the clean counting run: the process's state
-    std::size_t objectsLeaked = 0;   // alive after a faulted run beyond what a clean run keeps
+    std::uint64_t calls = 0;            // N of the counting run
+    std::size_t sites = 0;              // distinct call sites among them
+    std::vector<std::uint64_t> swept;   // the k that ran
+    std::size_t injected = 0;           // runs in which the armed call happened and failed
+    std::size_t keptByDesign = 0;       // alive after the clean counting run: the process's state
+    std::size_t objectsLeaked = 0;      // alive after a faulted run beyond what a clean run keeps
     std::vector<std::string> problems;  // "k=12 (malloc at +0x1234): File 1 left alive"
     std::string Summary(const std::string& name) const;
 };

@@ -8,7 +8,7 @@ namespace faults::detail {
 struct WrappedFunction {
     const char* name;  // as the module imports it
     void* wrapper;
-    void** real;       // filled from the module's import slot when the layer is installed
+    void** real;  // filled from the module's import slot when the layer is installed
 };
 
 const std::vector<WrappedFunction>& WrappedFunctionTable();

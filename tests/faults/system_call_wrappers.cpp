@@ -20,6 +20,7 @@ namespace faults::detail {
 namespace {
 
 // Every function the layer stands in for, by the name the module imports it under.
+// clang-format off
 #define VQC_WRAPPED_FUNCTIONS(X) \
     X(malloc) \
     X(calloc) \
@@ -76,6 +77,7 @@ namespace {
     X(GetFileVersionInfoA) \
     X(VerQueryValueA) \
     X(GetUserNameExA)
+// clang-format on
 
 // The real function behind each wrapper, taken from the module's import slot.
 #define VQC_DECLARE_REAL(name) decltype(&::name) real_##name = nullptr;
@@ -91,27 +93,39 @@ Value FailWith(Value value, DWORD error) {
 
 // --- memory ---------------------------------------------------------------------------
 void* __cdecl Wrap_malloc(size_t size) {
-    if (VQC_FAIL_HERE(malloc)) { errno = ENOMEM; return nullptr; }
+    if (VQC_FAIL_HERE(malloc)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
     void* block = VQC_REAL(malloc)(size);
     Created(ObjectKind::HeapBlock, block);
     return block;
 }
 void* __cdecl Wrap_calloc(size_t count, size_t size) {
-    if (VQC_FAIL_HERE(calloc)) { errno = ENOMEM; return nullptr; }
+    if (VQC_FAIL_HERE(calloc)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
     void* block = VQC_REAL(calloc)(count, size);
     Created(ObjectKind::HeapBlock, block);
     return block;
 }
 void* __cdecl Wrap_realloc(void* old, size_t size) {
     // A failed realloc leaves the old block as it was.
-    if (VQC_FAIL_HERE(realloc)) { errno = ENOMEM; return nullptr; }
+    if (VQC_FAIL_HERE(realloc)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
     void* block = VQC_REAL(realloc)(old, size);
     if (block || size == 0) Destroyed({ObjectKind::HeapBlock}, old);
     Created(ObjectKind::HeapBlock, block);
     return block;
 }
 char* __cdecl Wrap__strdup(const char* text) {
-    if (VQC_FAIL_HERE(_strdup)) { errno = ENOMEM; return nullptr; }
+    if (VQC_FAIL_HERE(_strdup)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
     char* copy = VQC_REAL(_strdup)(text);
     Created(ObjectKind::HeapBlock, copy);
     return copy;
@@ -153,8 +167,8 @@ HANDLE WINAPI Wrap_CreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURIT
     if (file != INVALID_HANDLE_VALUE) Created(ObjectKind::File, file);
     return file;
 }
-HANDLE WINAPI Wrap_CreateFileMappingA(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protect, DWORD high,
-                                      DWORD low, LPCSTR name) {
+HANDLE WINAPI Wrap_CreateFileMappingA(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protect, DWORD high, DWORD low,
+                                      LPCSTR name) {
     if (VQC_FAIL_HERE(CreateFileMappingA)) return FailWith<HANDLE>(nullptr, ERROR_NOT_ENOUGH_MEMORY);
     HANDLE mapping = VQC_REAL(CreateFileMappingA)(file, security, protect, high, low, name);
     Created(ObjectKind::Mapping, mapping);
@@ -307,8 +321,8 @@ HWND WINAPI Wrap_CreateDialogIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA 
     if (VQC_FAIL_HERE(CreateDialogIndirectParamA)) return FailWith<HWND>(nullptr, ERROR_NOT_ENOUGH_MEMORY);
     return VQC_REAL(CreateDialogIndirectParamA)(instance, dialog, parent, procedure, parameter);
 }
-INT_PTR WINAPI Wrap_DialogBoxIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialog, HWND parent,
-                                            DLGPROC procedure, LPARAM parameter) {
+INT_PTR WINAPI Wrap_DialogBoxIndirectParamA(HINSTANCE instance, LPCDLGTEMPLATEA dialog, HWND parent, DLGPROC procedure,
+                                            LPARAM parameter) {
     if (VQC_FAIL_HERE(DialogBoxIndirectParamA)) return FailWith<INT_PTR>(-1, ERROR_NOT_ENOUGH_MEMORY);
     return VQC_REAL(DialogBoxIndirectParamA)(instance, dialog, parent, procedure, parameter);
 }
@@ -338,7 +352,8 @@ LSTATUS WINAPI Wrap_RegOpenKeyExA(HKEY parent, LPCSTR name, DWORD options, REGSA
     return status;
 }
 LSTATUS WINAPI Wrap_RegCreateKeyExA(HKEY parent, LPCSTR name, DWORD reserved, LPSTR className, DWORD options,
-                                    REGSAM access, const LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD disposition) {
+                                    REGSAM access, const LPSECURITY_ATTRIBUTES security, PHKEY key,
+                                    LPDWORD disposition) {
     if (VQC_FAIL_HERE(RegCreateKeyExA)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return ERROR_ACCESS_DENIED;

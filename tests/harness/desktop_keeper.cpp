@@ -23,8 +23,8 @@ int main(int argc, char** argv) {
 
     // A window of our own: creating it makes Wine start the desktop process, and the
     // desktop stays while a program that uses it is alive.
-    const HWND window = CreateWindowExA(0, "STATIC", "vqc desktop keeper", WS_POPUP, 0, 0, 1, 1,
-                                        nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND window = CreateWindowExA(0, "STATIC", "vqc desktop keeper", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                                        GetModuleHandleA(nullptr), nullptr);
     if (window == nullptr) {
         std::fprintf(stderr, "desktop_keeper: no window (error %lu)\n", GetLastError());
         return 1;
@@ -34,14 +34,14 @@ int main(int argc, char** argv) {
     // registry, brings up the helpers COM asks the service manager for.
     if (SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {
         IUnknown* object = nullptr;
-        if (SUCCEEDED(CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
-                                       IID_IUnknown, reinterpret_cast<void**>(&object)))) {
+        if (SUCCEEDED(CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
+                                       reinterpret_cast<void**>(&object)))) {
             object->Release();
         }
     }
 
-    const UniqueKernelHandle ready(CreateFileA(argv[1], GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                               FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueKernelHandle ready(
+        CreateFileA(argv[1], GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!ready) {
         std::fprintf(stderr, "desktop_keeper: cannot write %s (error %lu)\n", argv[1], GetLastError());
         return 1;

@@ -10,8 +10,8 @@ TEST(HarnessProbe, Skips) { GTEST_SKIP() << "skipped on purpose"; }
 
 // Touches the desktop, as every test with a window does.
 TEST(HarnessProbe, MakesAWindow) {
-    const HWND window = CreateWindowExA(0, "STATIC", "probe", WS_POPUP, 0, 0, 1, 1, nullptr,
-                                        nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND window = CreateWindowExA(0, "STATIC", "probe", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                                        GetModuleHandleA(nullptr), nullptr);
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(DestroyWindow(window));
 }

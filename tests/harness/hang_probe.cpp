@@ -7,8 +7,8 @@
 int main() {
     std::puts("hang_probe: waiting forever");
     std::fflush(stdout);
-    CreateWindowExA(0, "STATIC", "hang probe", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
-                    GetModuleHandleA(nullptr), nullptr);
+    CreateWindowExA(0, "STATIC", "hang probe", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, GetModuleHandleA(nullptr),
+                    nullptr);
     Sleep(INFINITE);
     return 0;
 }

@@ -30,8 +30,7 @@ protected:
 
     ComPtr<IExtractIconA> LoadedIconHandler(const std::string& file) {
         ComPtr<IPersistFile> persist;
-        EXPECT_EQ(CoCreateInstance(kClassId, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile, persist.PutVoid()),
-                  S_OK);
+        EXPECT_EQ(CoCreateInstance(kClassId, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile, persist.PutVoid()), S_OK);
         ComPtr<IExtractIconA> icon;
         if (!persist) return icon;
         EXPECT_EQ(persist->Load(Wide(file).c_str(), STGM_READ), S_OK);

@@ -78,9 +78,11 @@ std::set<int> Union(std::set<int> a, const std::set<int>& b) {
     return a;
 }
 
+// clang-format off
 const std::set<int> kRemoteGroup = {kLoginLabel,      kLoginEdit,        kLegacyProtocolCheck, kServerLabel,
                                     kServerBox,       kLoginTypeLabel,   kLoginTypeList,       kEncryptionCheck,
                                     kAnswerBackLabel, kAnswerBackEdit,   kServicePortLabel,    kServicePortEdit};
+// clang-format on
 const std::set<int> kLocalGroup = {kCommandLineLabel, kCommandLineEdit, kStartDirectoryLabel, kStartDirectoryEdit};
 const std::set<int> kSharedGroup = {kBookmarkLabel, kBookmarkEdit, kServiceNameLabel, kServiceNameEdit};
 const std::set<int> kDiscoveryGroup = {kDiscoveryLoginLabel, kDiscoveryLoginEdit};
@@ -127,8 +129,7 @@ TEST(ConnectionTypeList, ServerModuleAddsConnectLocallyWithoutARecord) {
 TEST(ConnectionTypeList, DiscoverServiceNeedsARecord) {
     // No record: its version cannot be asked, so even an unknown (newest) client gets none.
     for (bool server : {false, true})
-        for (ConnectionType type : OfferedConnectionTypes(nullptr, server))
-            EXPECT_NE(type, ConnectionType::Discovery);
+        for (ConnectionType type : OfferedConnectionTypes(nullptr, server)) EXPECT_NE(type, ConnectionType::Discovery);
 }
 
 TEST(ConnectionTypeList, DiscoverServiceFromClient665) {
@@ -248,7 +249,11 @@ TEST(LoginTypeList, BelowClient690OffersFiveWithTheNtEntries) {
     for (std::int32_t version : {619, 620, 640, 664, 665, 689}) {
         const ConnectionSettings record = RecordAt(version);
         int asked = 0;
-        EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [&] { ++asked; return true; })),
+        EXPECT_EQ(TextIds(OfferedLoginTypes(&record,
+                                            [&] {
+                                                ++asked;
+                                                return true;
+                                            })),
                   (std::vector<std::uint32_t>{28, 29, 30, 31, 33}))
             << version;
         EXPECT_EQ(asked, 0) << "the domain is not asked below 690";
@@ -257,32 +262,36 @@ TEST(LoginTypeList, BelowClient690OffersFiveWithTheNtEntries) {
 
 TEST(LoginTypeList, Client690OutsideADomainOffersExactlyThree) {
     const ConnectionSettings record = RecordAt(690);
-    EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [] { return false; })),
-              (std::vector<std::uint32_t>{28, 29, 30}));
+    EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [] { return false; })), (std::vector<std::uint32_t>{28, 29, 30}));
 }
 
 TEST(LoginTypeList, Client690InADomainAddsWindowsDomainCredentialsLast) {
     const ConnectionSettings record = RecordAt(690);
-    EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [] { return true; })),
-              (std::vector<std::uint32_t>{28, 29, 30, 32}));
+    EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [] { return true; })), (std::vector<std::uint32_t>{28, 29, 30, 32}));
 }
 
 TEST(LoginTypeList, UnknownClientCountsAsNewest) {
     const ConnectionSettings record = RecordAt(726);
-    EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [] { return true; })),
-              (std::vector<std::uint32_t>{28, 29, 30, 32}));
+    EXPECT_EQ(TextIds(OfferedLoginTypes(&record, [] { return true; })), (std::vector<std::uint32_t>{28, 29, 30, 32}));
 }
 
 TEST(LoginTypeList, DomainIsAskedExactlyOnceFrom690) {
     const ConnectionSettings record = RecordAt(690);
     int asked = 0;
-    OfferedLoginTypes(&record, [&] { ++asked; return false; });
+    OfferedLoginTypes(&record, [&] {
+        ++asked;
+        return false;
+    });
     EXPECT_EQ(asked, 1);
 }
 
 TEST(LoginTypeList, WithoutRecordThreeEntriesAndNoDomainQuestion) {
     int asked = 0;
-    EXPECT_EQ(TextIds(OfferedLoginTypes(nullptr, [&] { ++asked; return true; })),
+    EXPECT_EQ(TextIds(OfferedLoginTypes(nullptr,
+                                        [&] {
+                                            ++asked;
+                                            return true;
+                                        })),
               (std::vector<std::uint32_t>{28, 29, 30}));
     EXPECT_EQ(asked, 0);
     EXPECT_EQ(ClientVersionOf(nullptr), 726);
@@ -328,8 +337,7 @@ TEST(LoginTypeSelection, StoringSetsItsOwnFlagAndClearsTheOtherFour) {
         ConnectionSettings record = RecordAt(726);
         record.optionR = record.optionN = record.optionNM = record.optionL = record.optionT = 1;
         StoreLoginType(record, entry.type);
-        for (LoginFlag flag : kLoginFlags)
-            EXPECT_EQ(record.*flag, flag == entry.flag ? 1 : 0) << entry.textId;
+        for (LoginFlag flag : kLoginFlags) EXPECT_EQ(record.*flag, flag == entry.flag ? 1 : 0) << entry.textId;
         EXPECT_EQ(LoginTypeOf(record), entry.type);
     }
 }
@@ -396,11 +404,13 @@ TEST(LayoutRule, RemoteControlsShownPerClientVersion) {
         bool encryption;
         bool legacy;
     };
+    // clang-format off
     const Case cases[] = {
         {619, false, false}, {620, true, false}, {639, true, false}, {640, false, false},
         {641, true, false},  {664, true, false}, {665, true, true},  {689, true, true},
         {690, true, false},  {726, true, false},
     };
+    // clang-format on
     for (const Case& c : cases) {
         const ConnectionSettings record = RecordAt(c.version);
         const std::set<int> visible = VisibleAfterLayout(ConnectionType::Remote, &record);
@@ -468,8 +478,7 @@ TEST(LoginTypeRule, EnabledControlsPerLoginType) {
 
 TEST(LoginTypeRule, StepsFollowTheTableOrder) {
     const LoginTypeRule rule = PlanLoginTypeRule(LoginType::NtNoLogon);
-    const std::vector<EnableStep> expected = {
-        {1010, false}, {1016, true}, {1020, true}, {1023, false}, {1024, false}};
+    const std::vector<EnableStep> expected = {{1010, false}, {1016, true}, {1020, true}, {1023, false}, {1024, false}};
     EXPECT_EQ(rule.enable, expected);
 }
 
@@ -482,8 +491,8 @@ TEST(LoginTypeRule, NoSelectionCountsAsAlwaysRequirePassword) {
 TEST(LoginTypeRule, NtDomainChecksLegacyProtocolAndWindowsDomainCredentialsUnchecksIt) {
     EXPECT_EQ(PlanLoginTypeRule(LoginType::NtDomain).legacyCheck, LegacyProtocolCheck::Check);
     EXPECT_EQ(PlanLoginTypeRule(LoginType::WindowsDomainCredentials).legacyCheck, LegacyProtocolCheck::Uncheck);
-    for (LoginType type : {LoginType::AlwaysRequirePassword, LoginType::CachePassword, LoginType::TextWindow,
-                           LoginType::NtNoLogon})
+    for (LoginType type :
+         {LoginType::AlwaysRequirePassword, LoginType::CachePassword, LoginType::TextWindow, LoginType::NtNoLogon})
         EXPECT_EQ(PlanLoginTypeRule(type).legacyCheck, LegacyProtocolCheck::Leave) << EntryOf(type).textId;
 }
 
@@ -548,9 +557,7 @@ TEST(ServicePortDisplay, DefaultPortsFollowEncryption) {
     EXPECT_EQ(DefaultServicePort(true), 4790);
 }
 
-TEST(ServicePortEdit, EmptyEditStoresNotGiven) {
-    EXPECT_EQ(ServicePortFromText(""), -1);
-}
+TEST(ServicePortEdit, EmptyEditStoresNotGiven) { EXPECT_EQ(ServicePortFromText(""), -1); }
 
 TEST(ServicePortEdit, DigitsAreReadAsDecimal) {
     EXPECT_EQ(ServicePortFromText("790"), 790);

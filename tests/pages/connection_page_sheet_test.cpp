@@ -36,6 +36,7 @@ struct ClientCase {
     bool ntLoginsOffered;  // below 690; from 690 Wine's user is in no domain
 };
 
+// clang-format off
 const ClientCase kClients[] = {
     {"619", "client_6_19_5", false, false, false, true},
     {"620", "client_6_20", true, false, false, true},
@@ -46,6 +47,7 @@ const ClientCase kClients[] = {
     {"690", "client_6_90", true, false, true, false},
     {"726", "", true, false, true, false},
 };
+// clang-format on
 
 const std::set<int> kRemoteLayout = {1001, 1002, 1009, 1010, 1024, 1005, 1006, 1007, 1008,
                                      1023, 1021, 1022, 1017, 1018, 1019, 1020, 1015, 1016};
@@ -99,8 +101,8 @@ class ConnectionPageAtClientVersion : public testing::TestWithParam<SheetCase> {
 protected:
     void SetUp() override {
         const SheetCase& c = GetParam();
-        copy_ = std::make_unique<ExtensionCopy>(std::string("cp-sheet-") + c.client.name, c.client.fixture,
-                                                c.withVServer);
+        copy_ =
+            std::make_unique<ExtensionCopy>(std::string("cp-sheet-") + c.client.name, c.client.fixture, c.withVServer);
         ASSERT_NE(copy_->Module(), nullptr);
         file_ = copy_->File("connection.vqc");
         WriteFileBytes(file_, "-h server.example -u tester");
@@ -186,8 +188,8 @@ TEST_P(ConnectionPageAtClientVersion, ApplyWritesWhatTheClientUnderstands) {
     ASSERT_TRUE(SelectItem(Control(kConnectionTypeList), kRemote));
     if (GetParam().client.encryptionShown) Click(Control(kEncryptionCheck));
     EXPECT_TRUE(Apply(sheet_->Sheet()));
-    EXPECT_EQ(ReadFileBytes(file_), GetParam().client.encryptionShown ? "-h server.example -l -u tester "
-                                                                      : "-h server.example -u tester ");
+    EXPECT_EQ(ReadFileBytes(file_),
+              GetParam().client.encryptionShown ? "-h server.example -l -u tester " : "-h server.example -u tester ");
 }
 
 INSTANTIATE_TEST_SUITE_P(Clients, ConnectionPageAtClientVersion, testing::ValuesIn(AllCases()), CaseName);

@@ -208,8 +208,7 @@ TEST(ConnectionPage, OptionKAndLocalConnectTogetherSelectConnectLocally) {
     ASSERT_TRUE(sheet.Ready());
     ASSERT_EQ(sheet.Record()->optionK, 1);
     ASSERT_EQ(sheet.Record()->localConnect, 1);
-    EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)),
-              (std::vector<std::string>{kLocal, kRemote, kDiscovery}));
+    EXPECT_EQ(ListItems(sheet.Control(kConnectionTypeList)), (std::vector<std::string>{kLocal, kRemote, kDiscovery}));
     EXPECT_EQ(SelectedItem(sheet.Control(kConnectionTypeList)), kLocal);
     EXPECT_EQ(ShownControls(sheet), kLocalLayout);
 }
@@ -606,11 +605,13 @@ struct LoginCase {
 };
 
 TEST(ConnectionPage, EachLoginTypeSetsItsOwnFlagOnly) {
+    // clang-format off
     const LoginCase cases[] = {
         {kCachePassword, 689, "-h h -R "},  {kTextWindow, 689, "-h h -T "}, {kNtDomain, 689, "-h h -N "},
         {kNtNoLogon, 689, "-h h -L "},      {kWindowsDomain, 690, "-h h -N -M "},
         {kAlwaysRequirePassword, 690, "-h h "},
     };
+    // clang-format on
     PrivateCurrentUser user("cp-login-types");
     DomainAnswer domain(InDomain);
     for (const LoginCase& c : cases) {
@@ -821,6 +822,7 @@ TEST(ConnectionPageWithoutRecord, EveryCommandOfTheMapIsAnsweredAsHandled) {
     PrivateCurrentUser user("cp-null-handled");
     ConnectionSheet sheet("cp-null-handled");
     ASSERT_TRUE(sheet.Ready());
+    // clang-format off
     const std::pair<int, int> commands[] = {
         {kConnectionTypeList, CBN_SELCHANGE}, {kServerBox, CBN_SELCHANGE}, {kServerBox, CBN_EDITCHANGE},
         {kLoginEdit, EN_CHANGE},        {kDiscoveryLoginEdit, EN_CHANGE}, {kLoginTypeList, CBN_SELCHANGE},
@@ -828,6 +830,7 @@ TEST(ConnectionPageWithoutRecord, EveryCommandOfTheMapIsAnsweredAsHandled) {
         {kBookmarkEdit, EN_CHANGE},     {kAnswerBackEdit, EN_CHANGE},     {kServicePortEdit, EN_CHANGE},
         {kEncryptionCheck, BN_CLICKED}, {kLegacyProtocolCheck, BN_CLICKED},
     };
+    // clang-format on
     auto* dialogProc = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(sheet.Page(), DWLP_DLGPROC));
     ASSERT_NE(dialogProc, nullptr);
     for (const auto& [id, code] : commands) {

@@ -62,8 +62,8 @@ template <typename Page>
 void ExpectTemplateSizeKeepsEveryControlWhereTheTemplatePutIt() {
     // The same template as a plain dialog without any resizing: where the template puts
     // each control.
-    const HWND plain = reinterpret_cast<HWND>(CreateTableDialog(GetModuleHandleA(nullptr), Page::kTemplateIndex,
-                                                                nullptr, PlainDialogProc, 0, 0, nullptr, 0));
+    const HWND plain = reinterpret_cast<HWND>(
+        CreateTableDialog(GetModuleHandleA(nullptr), Page::kTemplateIndex, nullptr, PlainDialogProc, 0, 0, nullptr, 0));
     ASSERT_NE(plain, nullptr);
     const Rects templatePlaces = ChildRects(plain);
     const SIZE templateClient = ClientSize(plain);
@@ -84,8 +84,8 @@ void ExpectTemplateSizeKeepsEveryControlWhereTheTemplatePutIt() {
     ASSERT_EQ(shown.size(), templatePlaces.size());
     for (const auto& [id, rect] : templatePlaces) {
         ASSERT_TRUE(shown.count(id)) << id;
-        EXPECT_TRUE(EqualRect(&shown.at(id), &rect)) << id << ": " << Describe(shown.at(id)) << " vs "
-                                                     << Describe(rect);
+        EXPECT_TRUE(EqualRect(&shown.at(id), &rect))
+            << id << ": " << Describe(shown.at(id)) << " vs " << Describe(rect);
     }
 }
 

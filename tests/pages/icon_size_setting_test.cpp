@@ -19,12 +19,11 @@ protected:
     // The value as RegSetValueExA stores it, the size given as it stands.
     void SetRaw(DWORD type, const void* data, DWORD size) {
         HKEY key = nullptr;
-        ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, kWindowMetrics, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
-                                  nullptr),
-                  ERROR_SUCCESS);
+        ASSERT_EQ(
+            RegCreateKeyExA(HKEY_CURRENT_USER, kWindowMetrics, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+            ERROR_SUCCESS);
         const UniqueRegKey owned(key);
-        ASSERT_EQ(RegSetValueExA(key, "Shell Icon Size", 0, type, static_cast<const BYTE*>(data), size),
-                  ERROR_SUCCESS);
+        ASSERT_EQ(RegSetValueExA(key, "Shell Icon Size", 0, type, static_cast<const BYTE*>(data), size), ERROR_SUCCESS);
     }
     void SetText(const std::string& text, DWORD type = REG_SZ) {
         SetRaw(type, text.c_str(), static_cast<DWORD>(text.size() + 1));
@@ -110,8 +109,7 @@ TEST_F(ShellIconSize, BinaryValueGivesThirtyTwo) {
 
 TEST_F(ShellIconSize, MissingValueGivesThirtyTwo) {
     HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, kWindowMetrics, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
-                              nullptr),
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, kWindowMetrics, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
               ERROR_SUCCESS);
     RegCloseKey(key);
     EXPECT_EQ(ReadShellIconSize(), 32);

@@ -65,8 +65,8 @@ private:
 };
 
 // Sends the page a WM_DRAWITEM for a width x height item at the canvas's top-left.
-void DrawThroughThePage(HWND page, const Canvas& canvas, int width, int height, HICON icon, UINT controlId,
-                        UINT itemId, UINT action, UINT state) {
+void DrawThroughThePage(HWND page, const Canvas& canvas, int width, int height, HICON icon, UINT controlId, UINT itemId,
+                        UINT action, UINT state) {
     DRAWITEMSTRUCT draw{};
     draw.CtlType = ODT_LISTBOX;
     draw.CtlID = controlId;
@@ -134,16 +134,15 @@ TEST(OptionPageDraw, SelectedItemIsFilledWithTheHighlightColour) {
     EXPECT_GT(CountOf(pixels, Rgb(GetSysColor(COLOR_HIGHLIGHT))), width * height / 4);
 
     const RECT other = ItemRect(sheet.List(), 0);
-    EXPECT_EQ(WindowPixels(sheet.List(), other),
-              ExpectedItem(other.right - other.left, other.bottom - other.top, sheet.ListIcon(0), 32,
-                           GetSysColor(COLOR_WINDOW)));
+    EXPECT_EQ(WindowPixels(sheet.List(), other), ExpectedItem(other.right - other.left, other.bottom - other.top,
+                                                              sheet.ListIcon(0), 32, GetSysColor(COLOR_WINDOW)));
 }
 
 TEST(OptionPageDraw, LargerIconSizeMakesLargerItemsWithTheIconWhereANominalOneWouldBeCentred) {
     test_support::PrivateCurrentUser root("option-draw-48");
     HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Control Panel\\Desktop\\WindowMetrics", 0, nullptr, 0,
-                              KEY_ALL_ACCESS, nullptr, &key, nullptr),
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Control Panel\\Desktop\\WindowMetrics", 0, nullptr, 0, KEY_ALL_ACCESS,
+                              nullptr, &key, nullptr),
               ERROR_SUCCESS);
     const UniqueRegKey owned(key);
     ASSERT_EQ(RegSetValueExA(key, "Shell Icon Size", 0, REG_SZ, reinterpret_cast<const BYTE*>("48"), 3), ERROR_SUCCESS);

@@ -52,15 +52,12 @@ TEST(IconSizeSetting, SevenCharactersAndTheirNulFillTheBuffer) {
 TEST(IconSizeSetting, EightCharactersDoNotFitAndTheReadFails) {
     // The query into 8 bytes fails with more data; whatever it left is not looked at.
     const std::string text = "00000048";
-    EXPECT_EQ(IconSizeFromSetting(false, kRegistryString, reinterpret_cast<const std::uint8_t*>(text.data()), 8),
-              32);
+    EXPECT_EQ(IconSizeFromSetting(false, kRegistryString, reinterpret_cast<const std::uint8_t*>(text.data()), 8), 32);
     // Handed over as if it had been read, nine bytes are still too many.
     EXPECT_EQ(SizeFromString(text), 32);
 }
 
-TEST(IconSizeSetting, ExpandStringCountsLikeAString) {
-    EXPECT_EQ(SizeFromString("48", kRegistryExpandString), 48);
-}
+TEST(IconSizeSetting, ExpandStringCountsLikeAString) { EXPECT_EQ(SizeFromString("48", kRegistryExpandString), 48); }
 
 TEST(IconSizeSetting, DwordGivesThirtyTwo) {
     // 48 as a REG_DWORD: 30 00 00 00, which would even end in a NUL.
@@ -69,8 +66,8 @@ TEST(IconSizeSetting, DwordGivesThirtyTwo) {
 }
 
 TEST(IconSizeSetting, OtherTypesGiveThirtyTwo) {
-    EXPECT_EQ(SizeFromBytes({'4', '8', 0}, 0), 32);  // REG_NONE
-    EXPECT_EQ(SizeFromBytes({'4', '8', 0}, 3), 32);  // REG_BINARY
+    EXPECT_EQ(SizeFromBytes({'4', '8', 0}, 0), 32);     // REG_NONE
+    EXPECT_EQ(SizeFromBytes({'4', '8', 0}, 3), 32);     // REG_BINARY
     EXPECT_EQ(SizeFromBytes({'4', '8', 0, 0}, 7), 32);  // REG_MULTI_SZ
 }
 
@@ -85,9 +82,7 @@ TEST(IconSizeSetting, DataNotEndingInNulGivesThirtyTwo) {
     EXPECT_EQ(SizeFromBytes({'4', 0, '8'}), 32);
 }
 
-TEST(IconSizeSetting, NulBeforeTheEndStopsTheNumber) {
-    EXPECT_EQ(SizeFromBytes({'6', '4', 0, '9', 0}), 64);
-}
+TEST(IconSizeSetting, NulBeforeTheEndStopsTheNumber) { EXPECT_EQ(SizeFromBytes({'6', '4', 0, '9', 0}), 64); }
 
 TEST(IconSizeSetting, FailedReadGivesThirtyTwo) {
     EXPECT_EQ(IconSizeFromSetting(false, kRegistryString, reinterpret_cast<const std::uint8_t*>("48"), 3), 32);
@@ -95,8 +90,7 @@ TEST(IconSizeSetting, FailedReadGivesThirtyTwo) {
 
 TEST(IconSizeSetting, MoreThanEightBytesNeverCount) {
     // The query cannot return more than the buffer; handed more, the rule still refuses.
-    EXPECT_EQ(IconSizeFromSetting(true, kRegistryString, reinterpret_cast<const std::uint8_t*>("4800000000"), 11),
-              32);
+    EXPECT_EQ(IconSizeFromSetting(true, kRegistryString, reinterpret_cast<const std::uint8_t*>("4800000000"), 11), 32);
 }
 
 TEST(ItemExtent, IsOneAndAHalfIconSizes) {

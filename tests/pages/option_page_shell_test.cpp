@@ -116,8 +116,7 @@ TEST(OptionPageShell, AFileWithItsOwnIconShowsThatIconAndAdoptsNone) {
         ASSERT_NE(page, nullptr);
         ASSERT_NE(Shown(page, 1037), nullptr);
         ASSERT_NE(Shown(page, 1038), nullptr);
-        EXPECT_EQ(RenderedIcon(Shown(page, 1037), 32, kBackground),
-                  RenderedIcon(decoded.icon.Get(), 32, kBackground));
+        EXPECT_EQ(RenderedIcon(Shown(page, 1037), 32, kBackground), RenderedIcon(decoded.icon.Get(), 32, kBackground));
         EXPECT_EQ(RenderedIcon(Shown(page, 1038), 16, kBackground),
                   RenderedIcon(decoded.smallIcon.Get(), 16, kBackground));
     }

@@ -75,21 +75,22 @@ TEST_P(ShellIconSizeOnThePage, SetsTheIconSizeAndTheItemHeight) {
     EXPECT_EQ(SendMessageA(sheet.List(), LB_GETITEMHEIGHT, 0, 0), c.iconSize * 3 / 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Values, ShellIconSizeOnThePage,
-    ::testing::Values(IconSizeCase{"FortyEight", REG_SZ, std::string("48", 3), 48},
-                      IconSizeCase{"TwentyFour", REG_SZ, std::string("24", 3), 24},
-                      IconSizeCase{"Zero", REG_SZ, std::string("0", 2), 32},
-                      IconSizeCase{"MinusFive", REG_SZ, std::string("-5", 3), 32},
-                      IconSizeCase{"Letters", REG_SZ, std::string("abc", 4), 32},
-                      IconSizeCase{"BlankAndPlusSign", REG_SZ, std::string(" +20", 5), 20},
-                      IconSizeCase{"EightCharacters", REG_SZ, std::string("00000048", 9), 32},
-                      IconSizeCase{"SevenCharacters", REG_SZ, std::string("0000048", 8), 48},
-                      IconSizeCase{"Dword", REG_DWORD, std::string("\x30\0\0\0", 4), 32},
-                      IconSizeCase{"Empty", REG_SZ, std::string("", 1), 32},
-                      IconSizeCase{"EmptyOfNoBytes", REG_SZ, std::string(), 32},
-                      IconSizeCase{"ExpandString", REG_EXPAND_SZ, std::string("48", 3), 48}),
-    [](const ::testing::TestParamInfo<IconSizeCase>& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Values, ShellIconSizeOnThePage,
+                         ::testing::Values(IconSizeCase{"FortyEight", REG_SZ, std::string("48", 3), 48},
+                                           IconSizeCase{"TwentyFour", REG_SZ, std::string("24", 3), 24},
+                                           IconSizeCase{"Zero", REG_SZ, std::string("0", 2), 32},
+                                           IconSizeCase{"MinusFive", REG_SZ, std::string("-5", 3), 32},
+                                           IconSizeCase{"Letters", REG_SZ, std::string("abc", 4), 32},
+                                           IconSizeCase{"BlankAndPlusSign", REG_SZ, std::string(" +20", 5), 20},
+                                           IconSizeCase{"EightCharacters", REG_SZ, std::string("00000048", 9), 32},
+                                           IconSizeCase{"SevenCharacters", REG_SZ, std::string("0000048", 8), 48},
+                                           IconSizeCase{"Dword", REG_DWORD, std::string("\x30\0\0\0", 4), 32},
+                                           IconSizeCase{"Empty", REG_SZ, std::string("", 1), 32},
+                                           IconSizeCase{"EmptyOfNoBytes", REG_SZ, std::string(), 32},
+                                           IconSizeCase{"ExpandString", REG_EXPAND_SZ, std::string("48", 3), 48}),
+                         [](const ::testing::TestParamInfo<IconSizeCase>& info) {
+                             return std::string(info.param.name);
+                         });
 
 TEST(OptionPage, WithoutTheSettingTheIconSizeIs32AndItemsAre48) {
     test_support::PrivateCurrentUser root("option-no-setting");
@@ -176,7 +177,8 @@ TEST(OptionPage, ApplyWritesTheAdoptedIconIntoTheFile) {
     ASSERT_TRUE(back.icon);
     ASSERT_TRUE(back.smallIcon);
     EXPECT_EQ(IconWidth(back.icon.Get()), 32);
-    EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, RGB(0, 128, 255)), RenderedIcon(record->icon.Get(), 32, RGB(0, 128, 255)));
+    EXPECT_EQ(RenderedIcon(back.icon.Get(), 32, RGB(0, 128, 255)),
+              RenderedIcon(record->icon.Get(), 32, RGB(0, 128, 255)));
     EXPECT_EQ(RenderedIcon(back.smallIcon.Get(), 16, RGB(0, 128, 255)),
               RenderedIcon(record->smallIcon.Get(), 16, RGB(0, 128, 255)));
     EXPECT_EQ(SignatureOf(back.icon.Get()), signature::kFourBitLarge);

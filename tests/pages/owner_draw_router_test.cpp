@@ -40,8 +40,7 @@ public:
 };
 
 // A page on the Options template that keeps every default hook.
-class DefaultHooksPage final : public CVQCPropertyPageImpl<DefaultHooksPage>,
-                               public OwnerDrawRouter<DefaultHooksPage> {
+class DefaultHooksPage final : public CVQCPropertyPageImpl<DefaultHooksPage>, public OwnerDrawRouter<DefaultHooksPage> {
 public:
     DefaultHooksPage(VQCFileInfo* record, const char* title) : CVQCPropertyPageImpl(record, 3, title) {}
     static const ResizeMapEntry* ResizeMap() noexcept { return kOptionPageResizeMap; }
@@ -118,8 +117,8 @@ TEST(OwnerDrawRouter, CompareAndDeleteKeepTheDefaults) {
         EXPECT_EQ(DrawProbePage::PageDialogProc(page->Window(), message, 1041, reinterpret_cast<LPARAM>(&compare)),
                   message == WM_COMPAREITEM ? 0 : TRUE);
         LRESULT result = 0xdeadbeef;
-        EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), message, 1041, reinterpret_cast<LPARAM>(&compare),
-                                               result));
+        EXPECT_TRUE(
+            page->ProcessWindowMessage(page->Window(), message, 1041, reinterpret_cast<LPARAM>(&compare), result));
         EXPECT_EQ(result, 0);
     }
     for (UINT message : {static_cast<UINT>(WM_DELETEITEM), OCM_DELETEITEM_MESSAGE}) {
@@ -127,7 +126,8 @@ TEST(OwnerDrawRouter, CompareAndDeleteKeepTheDefaults) {
         erase.CtlType = ODT_LISTBOX;
         erase.CtlID = 1041;
         LRESULT result = 0xdeadbeef;
-        EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), message, 1041, reinterpret_cast<LPARAM>(&erase), result));
+        EXPECT_TRUE(
+            page->ProcessWindowMessage(page->Window(), message, 1041, reinterpret_cast<LPARAM>(&erase), result));
         EXPECT_EQ(result, TRUE);
     }
 }

@@ -79,8 +79,8 @@ std::string WriterBytes(VQCFileInfo& record) {
 class ForeignWindow {
 public:
     ForeignWindow()
-        : window_(CreateWindowExA(0, "static", "foreign", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr,
-                                  nullptr)) {}
+        : window_(CreateWindowExA(0, "static", "foreign", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr)) {
+    }
     ~ForeignWindow() { DestroyWindow(window_); }
     HWND Get() const { return window_; }
 
@@ -536,10 +536,12 @@ TEST(PageNotifications, OtherCodesAreNotHandled) {
     DirectSheet sheet;
     auto* page = sheet.Add<ProbePage>(nullptr);
     ASSERT_NE(sheet.Show(), nullptr);
-    for (int code : {static_cast<int>(NM_CLICK), static_cast<int>(PSN_FIRST) - 10, static_cast<int>(PSN_FIRST) - 14, static_cast<int>(PSN_FIRST) - 11, 0}) {
+    for (int code : {static_cast<int>(NM_CLICK), static_cast<int>(PSN_FIRST) - 10, static_cast<int>(PSN_FIRST) - 14,
+                     static_cast<int>(PSN_FIRST) - 11, 0}) {
         LRESULT result = 0xdeadbeef;
         NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(code)};
-        EXPECT_FALSE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result))
+        EXPECT_FALSE(
+            page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result))
             << code;
         EXPECT_EQ(result, static_cast<LRESULT>(0xdeadbeef));
     }

@@ -40,8 +40,8 @@ inline std::vector<ChildPlace> ChildPlaces(HWND parent) {
         RECT rect{};
         GetWindowRect(child, &rect);
         MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&rect), 2);
-        places.push_back({GetDlgCtrlID(child), rect, (GetWindowLongPtrA(child, GWL_STYLE) & WS_VISIBLE) != 0,
-                          IsIconView(child)});
+        places.push_back(
+            {GetDlgCtrlID(child), rect, (GetWindowLongPtrA(child, GWL_STYLE) & WS_VISIBLE) != 0, IsIconView(child)});
     }
     return places;
 }
@@ -52,9 +52,7 @@ inline unsigned MapFlagsOf(const ResizeMapEntry* map, int id) {
     return 0;
 }
 
-inline INT_PTR CALLBACK PlainDialogProcedure(HWND, UINT message, WPARAM, LPARAM) {
-    return message == WM_INITDIALOG;
-}
+inline INT_PTR CALLBACK PlainDialogProcedure(HWND, UINT message, WPARAM, LPARAM) { return message == WM_INITDIALOG; }
 
 // The controls of template `templateIndex` where the dialog manager puts them, and the
 // template's client size, from a plain dialog of this process made of the same template.
@@ -70,8 +68,8 @@ inline TemplatePlaces PlacesOfTemplate(int templateIndex) {
     // The page templates are child windows: they need a parent, which stays hidden.
     const HWND parent = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 800, 800, nullptr, nullptr,
                                         GetModuleHandleA(nullptr), nullptr);
-    const HWND dialog = CreateDialogIndirectParamA(GetModuleHandleA(nullptr), dialogTemplate.Get(), parent,
-                                                   PlainDialogProcedure, 0);
+    const HWND dialog =
+        CreateDialogIndirectParamA(GetModuleHandleA(nullptr), dialogTemplate.Get(), parent, PlainDialogProcedure, 0);
     if (dialog) {
         RECT client{};
         GetClientRect(dialog, &client);
@@ -84,8 +82,7 @@ inline TemplatePlaces PlacesOfTemplate(int templateIndex) {
 }
 
 // The check itself, one failure per control that is out of place.
-inline void ExpectLaidOutByItsMap(HWND page, int templateIndex, const ResizeMapEntry* map,
-                                  const std::string& what) {
+inline void ExpectLaidOutByItsMap(HWND page, int templateIndex, const ResizeMapEntry* map, const std::string& what) {
     const TemplatePlaces reference = PlacesOfTemplate(templateIndex);
     ASSERT_FALSE(reference.children.empty()) << what;
     RECT client{};

@@ -24,8 +24,8 @@ GetClassObjectFunction ExtensionCopy::GetClassObject() const {
 }
 
 HRESULT ExtensionCopy::CanUnloadNow() const {
-    auto canUnload = reinterpret_cast<CanUnloadNowFunction>(
-        reinterpret_cast<void*>(GetProcAddress(module_, "DllCanUnloadNow")));
+    auto canUnload =
+        reinterpret_cast<CanUnloadNowFunction>(reinterpret_cast<void*>(GetProcAddress(module_, "DllCanUnloadNow")));
     return canUnload ? canUnload() : E_UNEXPECTED;
 }
 
@@ -212,8 +212,8 @@ LRESULT CALLBACK WriteWatch::Subclass(HWND window, UINT message, WPARAM wParam, 
                                       DWORD_PTR self) {
     auto* watch = reinterpret_cast<WriteWatch*>(self);
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, Subclass, 1);
-    const bool apply = message == WM_NOTIFY && lParam &&
-                       reinterpret_cast<const NMHDR*>(lParam)->code == static_cast<UINT>(PSN_APPLY);
+    const bool apply =
+        message == WM_NOTIFY && lParam && reinterpret_cast<const NMHDR*>(lParam)->code == static_cast<UINT>(PSN_APPLY);
     if (!apply) return DefSubclassProc(window, message, wParam, lParam);
     ++watch->applies_;
     WriteFileBytes(watch->file_, kMarker);

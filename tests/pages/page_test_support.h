@@ -43,8 +43,7 @@ using test_support::ShellSelection;
 using test_support::TempFolder;
 
 // {5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}
-inline constexpr CLSID kVQCPropClassId = {
-    0x5e1d7c40, 0xa3b2, 0x11d0, {0x8e, 0x6f, 0x00, 0xa0, 0xc9, 0xb3, 0x5d, 0x21}};
+inline constexpr CLSID kVQCPropClassId = {0x5e1d7c40, 0xa3b2, 0x11d0, {0x8e, 0x6f, 0x00, 0xa0, 0xc9, 0xb3, 0x5d, 0x21}};
 
 using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 using CanUnloadNowFunction = HRESULT(STDAPICALLTYPE*)();
@@ -66,8 +65,8 @@ class ExtensionCopy {
 public:
     // clientFixture: empty for no client, else the fixture copied in as clientName.
     // withVServer puts a file "vserver.dll" beside the DLL.
-    explicit ExtensionCopy(const std::string& tag, const std::string& clientFixture = "",
-                           bool withVServer = false, const std::string& clientName = "vclient.dll");
+    explicit ExtensionCopy(const std::string& tag, const std::string& clientFixture = "", bool withVServer = false,
+                           const std::string& clientName = "vclient.dll");
     ~ExtensionCopy();
     ExtensionCopy(const ExtensionCopy&) = delete;
     ExtensionCopy& operator=(const ExtensionCopy&) = delete;
@@ -105,7 +104,7 @@ public:
     HRESULT CreateObject();  // class factory, CreateInstance(IID_IShellPropSheetExt)
     HRESULT Initialize();    // with ShellSelection({file})
     HRESULT AddPages();
-    HWND Show();             // modeless PropertySheetA of the accepted pages; null on failure
+    HWND Show();  // modeless PropertySheetA of the accepted pages; null on failure
     // All four; true when each succeeded.
     bool Open();
 

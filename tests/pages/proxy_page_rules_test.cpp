@@ -12,7 +12,6 @@
 
 namespace {
 
-
 ConnectionSettings RecordForClient(std::int32_t clientVersion) {
     ConnectionSettings record("C:\\conn\\a.vqc");
     record.clientVersion = clientVersion;
@@ -74,8 +73,7 @@ TEST(ProxyRouteEntries, TableHoldsTheThreeRoutesInListOrder) {
 }
 
 TEST(ProxyRouteEntries, TextIdsNameTheRouteTexts) {
-    EXPECT_EQ(std::u16string(LocalStringText(kRouteEntries[kDirectEntry].textId, kEnglishUK)),
-              u"Connect directly");
+    EXPECT_EQ(std::u16string(LocalStringText(kRouteEntries[kDirectEntry].textId, kEnglishUK)), u"Connect directly");
     EXPECT_EQ(std::u16string(LocalStringText(kRouteEntries[kProxyEntry].textId, kEnglishUK)),
               u"Connect via a proxy server");
     EXPECT_EQ(std::u16string(LocalStringText(kRouteEntries[kBrokerEntry].textId, kEnglishUK)),
@@ -171,9 +169,7 @@ TEST(ProxyInitialRoute, RouteFieldDoesNotDecide) {
     EXPECT_EQ(InitialRouteEntry(&record), kBrokerEntry);
 }
 
-TEST(ProxyInitialRoute, NoRecordSelectsDirect) {
-    EXPECT_EQ(InitialRouteEntry(nullptr), kDirectEntry);
-}
+TEST(ProxyInitialRoute, NoRecordSelectsDirect) { EXPECT_EQ(InitialRouteEntry(nullptr), kDirectEntry); }
 
 TEST(ProxyInitialRoute, BrokerEntryAbsentLeavesNoSelection) {
     // At 690 the broker host still chooses the broker entry, whose index is -1.
@@ -197,9 +193,7 @@ TEST(ProxyLayoutMask, NoSelectionGivesBrokerMask) {
     EXPECT_EQ(LayoutMaskForSelection(-1, WithoutBroker()), 4u);
 }
 
-TEST(ProxyLayoutMask, UnknownIndexGivesBrokerMask) {
-    EXPECT_EQ(LayoutMaskForSelection(7, WithoutBroker()), 4u);
-}
+TEST(ProxyLayoutMask, UnknownIndexGivesBrokerMask) { EXPECT_EQ(LayoutMaskForSelection(7, WithoutBroker()), 4u); }
 
 TEST(ProxyLayoutMask, EntriesAreMatchedByTheirFoundIndex) {
     RouteListIndices indices;
@@ -246,9 +240,7 @@ TEST(ProxyRouteSelection, StoreLeavesModifiedSetWhenItWas) {
 
 // --- the layout table ---
 
-TEST(ProxyLayoutRows, DirectShowsNothingButTheList) {
-    EXPECT_EQ(ShownControls(kDirectLayout), std::vector<int>{});
-}
+TEST(ProxyLayoutRows, DirectShowsNothingButTheList) { EXPECT_EQ(ShownControls(kDirectLayout), std::vector<int>{}); }
 
 TEST(ProxyLayoutRows, ProxyShowsTheProxyGroup) {
     EXPECT_EQ(ShownControls(kProxyLayout), (std::vector<int>{1025, 1026, 1027, 1028, 1029, 1030}));

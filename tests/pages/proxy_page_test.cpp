@@ -19,8 +19,7 @@ constexpr char kDirect[] = "Connect directly";
 constexpr char kViaProxy[] = "Connect via a proxy server";
 constexpr char kViaBroker[] = "Connect via a connection broker";
 
-const std::vector<int> kGroupControls = {1025, 1026, 1027, 1028, 1029, 1030,
-                                         1031, 1032, 1033, 1034, 1035};
+const std::vector<int> kGroupControls = {1025, 1026, 1027, 1028, 1029, 1030, 1031, 1032, 1033, 1034, 1035};
 const std::vector<int> kProxyGroup = {1025, 1026, 1027, 1028, 1029, 1030};
 const std::vector<int> kBrokerGroup = {1031, 1032, 1033, 1034, 1035};
 
@@ -84,9 +83,9 @@ public:
     // answers 0.
     bool Handles(int controlId, int code) {
         LRESULT result = 0x0BADF00D;
-        const bool handled = page_->ProcessWindowMessage(
-            window_, WM_COMMAND, MAKEWPARAM(controlId, code),
-            reinterpret_cast<LPARAM>(GetDlgItem(window_, controlId)), result);
+        const bool handled =
+            page_->ProcessWindowMessage(window_, WM_COMMAND, MAKEWPARAM(controlId, code),
+                                        reinterpret_cast<LPARAM>(GetDlgItem(window_, controlId)), result);
         if (handled) {
             EXPECT_EQ(result, 0) << controlId;
         }
@@ -496,12 +495,14 @@ TEST(ProxyPageEdits, OtherNotificationsOfTheControlsAreNotHandled) {
     ProxyPageOnFile open("edit-other-codes", "-c proxy", 665);
     ASSERT_TRUE(open.Ready());
     LRESULT result = 0;
-    for (const auto& [id, code] : std::vector<std::pair<int, int>>{
-             {1026, EN_SETFOCUS}, {1028, EN_KILLFOCUS}, {1002, CBN_DROPDOWN}, {1035, BN_SETFOCUS},
-             {1025, STN_CLICKED}, {1018, EN_CHANGE}}) {
+    for (const auto& [id, code] : std::vector<std::pair<int, int>>{{1026, EN_SETFOCUS},
+                                                                   {1028, EN_KILLFOCUS},
+                                                                   {1002, CBN_DROPDOWN},
+                                                                   {1035, BN_SETFOCUS},
+                                                                   {1025, STN_CLICKED},
+                                                                   {1018, EN_CHANGE}}) {
         EXPECT_FALSE(open.Page()->ProcessWindowMessage(open.Window(), WM_COMMAND, MAKEWPARAM(id, code),
-                                                        reinterpret_cast<LPARAM>(GetDlgItem(open.Window(), id)),
-                                                        result))
+                                                       reinterpret_cast<LPARAM>(GetDlgItem(open.Window(), id)), result))
             << id << " " << code;
     }
     EXPECT_EQ(open.Record().modified, 0);

@@ -16,15 +16,15 @@ std::vector<std::pair<int, unsigned>> Rows(const ResizeMapEntry* map) {
 }  // namespace
 
 TEST(ResizeMaps, ConnectionPageWidensItsElevenInputs) {
-    const std::vector<std::pair<int, unsigned>> want = {
-        {1002, 0x1}, {1006, 0x1}, {1010, 0x1}, {1004, 0x1}, {1008, 0x1}, {1012, 0x1},
-        {1014, 0x1}, {1020, 0x1}, {1016, 0x1}, {1018, 0x1}, {1022, 0x1}};
+    const std::vector<std::pair<int, unsigned>> want = {{1002, 0x1}, {1006, 0x1}, {1010, 0x1}, {1004, 0x1},
+                                                        {1008, 0x1}, {1012, 0x1}, {1014, 0x1}, {1020, 0x1},
+                                                        {1016, 0x1}, {1018, 0x1}, {1022, 0x1}};
     EXPECT_EQ(Rows(kConnectionPageResizeMap), want);
 }
 
 TEST(ResizeMaps, ProxyPageWidensItsSevenInputs) {
-    const std::vector<std::pair<int, unsigned>> want = {
-        {1002, 0x1}, {1026, 0x1}, {1028, 0x1}, {1030, 0x1}, {1035, 0x1}, {1032, 0x1}, {1034, 0x1}};
+    const std::vector<std::pair<int, unsigned>> want = {{1002, 0x1}, {1026, 0x1}, {1028, 0x1}, {1030, 0x1},
+                                                        {1035, 0x1}, {1032, 0x1}, {1034, 0x1}};
     EXPECT_EQ(Rows(kProxyPageResizeMap), want);
 }
 

@@ -103,8 +103,8 @@ TEST(ShellSheetPages, FileThatCannotBeReadStillGetsAllThree) {
     ASSERT_EQ(sheet.Initialize(), S_OK);
     {
         // Held open without sharing while the pages are made: the read fails.
-        const UniqueKernelHandle lock(CreateFileA(setup.file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+        const UniqueKernelHandle lock(
+            CreateFileA(setup.file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(lock);
         EXPECT_EQ(sheet.AddPages(), S_OK);
     }
@@ -117,8 +117,8 @@ TEST(ShellSheetPages, FileTooLargeToReadStillGetsAllThree) {
     DllWithFile setup("too-large");
     {
         // Sparse: 2 GiB of nothing, more than the reader takes.
-        const UniqueKernelHandle file(CreateFileA(setup.file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+        const UniqueKernelHandle file(
+            CreateFileA(setup.file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(file);
         LARGE_INTEGER size;
         size.QuadPart = 0x80000000LL;
@@ -284,8 +284,8 @@ TEST(ShellSheetApply, WriteFailureKeepsTheSheetOnTheFailingPage) {
     ASSERT_TRUE(sheet.Open());
     ShowPage(sheet.Sheet(), 2);
     {
-        const UniqueKernelHandle lock(CreateFileA(setup.file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+        const UniqueKernelHandle lock(
+            CreateFileA(setup.file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(lock);
         MessageBoxWatcher boxes(sheet.Sheet());
         ClickButton(sheet.Sheet(), IDOK);

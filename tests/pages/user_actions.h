@@ -16,8 +16,8 @@ namespace page_test {
 // entry's index, CB_ERR when the list has no such entry (nothing is sent then).
 inline int ChooseListEntry(HWND page, int listId, const std::string& text) {
     const HWND list = GetDlgItem(page, listId);
-    const int index = static_cast<int>(
-        SendMessageA(list, CB_FINDSTRINGEXACT, WPARAM(-1), reinterpret_cast<LPARAM>(text.c_str())));
+    const int index =
+        static_cast<int>(SendMessageA(list, CB_FINDSTRINGEXACT, WPARAM(-1), reinterpret_cast<LPARAM>(text.c_str())));
     if (index != CB_ERR) SelectItem(list, index);
     return index;
 }

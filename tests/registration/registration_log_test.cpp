@@ -28,8 +28,7 @@ TEST(RegistrationLog, OtherKeysAreNamedInTheirNativeForm) {
 }
 
 TEST(RegistrationLog, AnInvalidHandleIsUnknown) {
-    EXPECT_EQ(RegistrationLog::GetRegistryKeyPath(reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0x1230))),
-              "<unknown>");
+    EXPECT_EQ(RegistrationLog::GetRegistryKeyPath(reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0x1230))), "<unknown>");
 }
 
 TEST(RegistrationLog, ErrorTextIsTheSystemMessageWithItsLineBreak) {
@@ -98,8 +97,8 @@ TEST(RegistrationLog, NullKeyNameIsWrittenAsDefault) {
     RegistrationLog log;
     log.LogKeyCreateFailure(HKEY_LOCAL_MACHINE, nullptr, 5);
     ASSERT_EQ(log.Messages().size(), 1u);
-    EXPECT_EQ(log.Messages()[0], "Failed to create registry key HKEY_LOCAL_MACHINE\\(Default) Error 5 " +
-                                     SystemErrorText(5));
+    EXPECT_EQ(log.Messages()[0],
+              "Failed to create registry key HKEY_LOCAL_MACHINE\\(Default) Error 5 " + SystemErrorText(5));
 }
 
 TEST(RegistrationLog, TwoFailuresGiveTwoLinesWithOneLineFeedBetween) {
@@ -113,10 +112,9 @@ TEST(RegistrationLog, TwoFailuresGiveTwoLinesWithOneLineFeedBetween) {
         log.LogValueSetFailure(HKEY_CURRENT_USER, "Name", "data", 5);
         EXPECT_FALSE(FileExists(file));  // nothing is written before the log goes
     }
-    EXPECT_EQ(ReadFileBytes(file), "Failed to create registry key HKEY_CLASSES_ROOT\\AppID Error 1021 " +
-                                       SystemErrorText(1021) + "\n" +
-                                       "Failed to set registry value HKEY_CURRENT_USER\\Name to \"data\" Error 5 " +
-                                       SystemErrorText(5));
+    EXPECT_EQ(ReadFileBytes(file),
+              "Failed to create registry key HKEY_CLASSES_ROOT\\AppID Error 1021 " + SystemErrorText(1021) + "\n" +
+                  "Failed to set registry value HKEY_CURRENT_USER\\Name to \"data\" Error 5 " + SystemErrorText(5));
 }
 
 TEST(RegistrationLog, AnExistingFileIsReplaced) {

@@ -26,8 +26,7 @@ public:
     explicit PrivateKey(const std::string& tag, DWORD options = REG_OPTION_NON_VOLATILE)
         : path_("Software\\VqcTests\\" + UniqueTag(tag)) {
         HKEY key = nullptr;
-        RegCreateKeyExA(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr);
+        RegCreateKeyExA(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key, nullptr);
         key_.Reset(key);
     }
     ~PrivateKey() {
@@ -48,8 +47,7 @@ private:
 // HKEY_CLASSES_ROOT redirected to a private key while the object lives.
 class PrivateClassesRoot {
 public:
-    explicit PrivateClassesRoot(const std::string& tag, DWORD options = REG_OPTION_NON_VOLATILE)
-        : key_(tag, options) {
+    explicit PrivateClassesRoot(const std::string& tag, DWORD options = REG_OPTION_NON_VOLATILE) : key_(tag, options) {
         RegOverridePredefKey(HKEY_CLASSES_ROOT, key_.Get());
     }
     ~PrivateClassesRoot() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
@@ -126,8 +124,8 @@ inline int SubkeyCount(HKEY root, const std::string& path) {
     HKEY key = nullptr;
     if (RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return -1;
     DWORD subkeys = 0;
-    RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr, nullptr,
-                     nullptr, nullptr);
+    RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr);
     RegCloseKey(key);
     return static_cast<int>(subkeys);
 }
@@ -161,9 +159,9 @@ inline std::string NativeKeyName(HKEY root, const std::string& path) {
 // What FormatMessageA says about an error on this machine.
 inline std::string SystemErrorText(DWORD code) {
     char* buffer = nullptr;
-    const DWORD length = FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code,
-                                        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
-                                        reinterpret_cast<char*>(&buffer), 0, nullptr);
+    const DWORD length =
+        FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code,
+                       MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char*>(&buffer), 0, nullptr);
     std::string text = length && buffer ? std::string(buffer, length) : std::string();
     if (buffer) LocalFree(buffer);
     return text.empty() ? "??" : text;

@@ -22,9 +22,7 @@ std::vector<std::uint8_t> Build(const DialogDesc& desc, int language, std::uint3
     return bytes;
 }
 
-DecodedTemplate Decode(const std::vector<std::uint8_t>& bytes) {
-    return DecodeTemplate(bytes.data(), bytes.size());
-}
+DecodedTemplate Decode(const std::vector<std::uint8_t>& bytes) { return DecodeTemplate(bytes.data(), bytes.size()); }
 
 // The caption a language sees, worked out from the table's own cells.
 std::u16string ExpectedCaption(int id, int language) {

@@ -79,9 +79,7 @@ TEST(LocalStringCache, FilterListArrivesWholeForTheFileDialog) {
     EXPECT_EQ(std::memcmp(filter, kWant, sizeof(kWant)), 0);
 }
 
-TEST(DialogBuilder, BuildWithoutDescriptionGivesZero) {
-    EXPECT_EQ(BuildDialogTemplate(nullptr, nullptr, 0), 0u);
-}
+TEST(DialogBuilder, BuildWithoutDescriptionGivesZero) { EXPECT_EQ(BuildDialogTemplate(nullptr, nullptr, 0), 0u); }
 
 TEST(DialogBuilder, DefaultGuiFontFaceIsTheStockFontsAnsiFaceWidened) {
     LOGFONTA font{};
@@ -98,8 +96,8 @@ TEST(DialogBuilder, DefaultGuiFontFaceIsTheStockFontsAnsiFaceWidened) {
 TEST(DialogBuilder, StoredFaceOnlySwitchesTheFontOn) {
     static constexpr LocalValue zero{0, 1, nullptr};
     const ControlDesc* const controls[] = {nullptr};
-    const DialogDesc desc{9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr, 8,
-                          u"Stored Face Never Written", controls};
+    const DialogDesc desc{
+        9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr, 8, u"Stored Face Never Written", controls};
     std::vector<std::uint8_t> bytes(BuildDialogTemplate(&desc, nullptr, 0));
     ASSERT_EQ(BuildDialogTemplate(&desc, bytes.data(), 0), bytes.size());
     const DecodedTemplate t = DecodeTemplate(bytes.data(), bytes.size());
@@ -137,9 +135,7 @@ TEST(DialogBuilder, CreateRejectsIndicesOutsideOneToFour) {
         void* out = kUntouched;
         EXPECT_EQ(CreateTableDialog(nullptr, index, nullptr, nullptr, 0, 0, &out, 0x2), 0);
         EXPECT_EQ(out, kUntouched);
-        EXPECT_EQ(CreateTableDialog(GetModuleHandleW(nullptr), index, nullptr, QuietDialogProc, 0, 0,
-                                    nullptr, 0),
-                  0);
+        EXPECT_EQ(CreateTableDialog(GetModuleHandleW(nullptr), index, nullptr, QuietDialogProc, 0, 0, nullptr, 0), 0);
     }
 }
 
@@ -196,15 +192,13 @@ INT_PTR CALLBACK EndAtOnceProc(HWND dialog, UINT message, WPARAM, LPARAM initPar
 
 TEST(DialogBuilder, ModalFlagRunsTheDialogAndReturnsItsResult) {
     TestOwnerWindow owner;
-    EXPECT_EQ(CreateTableDialog(GetModuleHandleW(nullptr), 1, owner.Get(), EndAtOnceProc, 42, 0, nullptr,
-                                0x10),
-              42);
+    EXPECT_EQ(CreateTableDialog(GetModuleHandleW(nullptr), 1, owner.Get(), EndAtOnceProc, 42, 0, nullptr, 0x10), 42);
 }
 
 TEST(DialogBuilder, WithoutFlagsTheDialogIsModeless) {
     TestOwnerWindow owner;
-    const INT_PTR result = CreateTableDialog(GetModuleHandleW(nullptr), 2, owner.Get(), QuietDialogProc, 0,
-                                             0, nullptr, 0);
+    const INT_PTR result =
+        CreateTableDialog(GetModuleHandleW(nullptr), 2, owner.Get(), QuietDialogProc, 0, 0, nullptr, 0);
     const HWND dialog = reinterpret_cast<HWND>(result);
     ASSERT_TRUE(IsWindow(dialog));
     EXPECT_NE(GetDlgItem(dialog, 1035), nullptr);

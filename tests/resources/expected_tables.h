@@ -9,6 +9,7 @@
 namespace expected {
 
 // English_UK text of every string id (id 40 is a list; its first string is here).
+// clang-format off
 inline constexpr std::u16string_view kEnglish[49] = {
     u"Use &encryption",
     u"&Use legacy protocol",
@@ -60,12 +61,14 @@ inline constexpr std::u16string_view kEnglish[49] = {
     u"&Encrypt connection",
     u"Proxy",
 };
+// clang-format on
 
 // The whole English filter list of id 40, both final NULs included.
-inline constexpr std::u16string_view kEnglishFilter{
-    u"Executable and icon files\0*.exe;*.dll;*.ico\0All files\0*.*\0\0", 59};
+inline constexpr std::u16string_view kEnglishFilter{u"Executable and icon files\0*.exe;*.dll;*.ico\0All files\0*.*\0\0",
+                                                    59};
 
 // Languages with their own text besides English_UK, per string id.
+// clang-format off
 inline constexpr std::string_view kOwnLanguages[49] = {
     "zs", "zs", "ko zt zs", "ko zt zs", "ko zt zs", "ko zt zs", "ko zt zs", "ko zt zs",
     "ko zt zs",
@@ -98,15 +101,18 @@ inline constexpr std::string_view kOwnLanguages[49] = {
     "ko", "ko", "ko", "ko", "ko", "ko", "ko",  // 41-47
     "zs",                          // 48
 };
+// clang-format on
 
 // Language index of each short name used above.
 struct OwnLanguage {
     std::string_view code;
     int index;
 };
+// clang-format off
 inline constexpr OwnLanguage kOwnLanguageIndices[] = {
     {"de", 2}, {"fr", 3}, {"es", 4}, {"nl", 7}, {"ko", 10}, {"ja", 12}, {"zt", 13}, {"zs", 14},
 };
+// clang-format on
 
 inline bool HasOwnText(int id, int languageIndex) {
     if (languageIndex == 1) return true;
@@ -126,6 +132,7 @@ struct Control {
     std::uint32_t style;
 };
 
+// clang-format off
 inline constexpr Control kConnectionPage[] = {
     {1001, u"static", 15, 6, 6, 60, 8, 0x50000000},
     {1002, u"combobox", kNoCaption, 68, 4, 104, 100, 0x50210103},
@@ -152,7 +159,9 @@ inline constexpr Control kConnectionPage[] = {
     {1023, u"button", 0, 6, 136, 140, 13, 0x50010003},
     {1024, u"button", 1, 6, 170, 200, 13, 0x50010003},
 };
+// clang-format on
 
+// clang-format off
 inline constexpr Control kProxyPage[] = {
     {1002, u"combobox", kNoCaption, 6, 4, 165, 47, 0x50010443},
     {1025, u"static", 2, 6, 25, 60, 9, 0x50000000},
@@ -167,7 +176,9 @@ inline constexpr Control kProxyPage[] = {
     {1034, u"edit", kNoCaption, 68, 39, 104, 13, 0x50812080},
     {1035, u"button", 6, 6, 57, 165, 26, 0x50012403},
 };
+// clang-format on
 
+// clang-format off
 inline constexpr Control kOptionsPage[] = {
     {1036, u"static", 25, 9, 6, 25, 9, 0x50000000},
     {1037, u"static", kNoCaption, 35, 6, 32, 32, 0x50000003},
@@ -177,7 +188,9 @@ inline constexpr Control kOptionsPage[] = {
     {1041, u"listbox", kNoCaption, 9, 52, 165, 120, 0x50900311},
     {1042, u"button", 10, 9, 180, 125, 13, 0x50010003},
 };
+// clang-format on
 
+// clang-format off
 inline constexpr Control kConnectionDetails[] = {
     {1043, u"static", 43, 16, 9, 75, 9, 0x50000000},
     {1044, u"edit", kNoCaption, 95, 7, 150, 13, 0x50810080},
@@ -189,6 +202,7 @@ inline constexpr Control kConnectionDetails[] = {
     {1050, u"edit", kNoCaption, 95, 81, 150, 13, 0x50810080},
     {1051, u"button", 47, 17, 112, 88, 13, 0x50010003},
 };
+// clang-format on
 
 struct Dialog {
     int index;
@@ -200,12 +214,14 @@ struct Dialog {
     int controlCount;
 };
 
+// clang-format off
 inline constexpr Dialog kDialogs[4] = {
     {1, 0x80C80040, 0x10000, 0, 0, 184, 176, kNoCaption, kConnectionPage, 24},
     {2, 0x80C80040, 0x10000, 0, 0, 184, 196, kNoCaption, kProxyPage, 12},
     {3, 0x80C80040, 0x10000, 0, 0, 184, 196, kNoCaption, kOptionsPage, 7},
     {4, 0x40C00048, 0x10000, 0, 0, 320, 140, 41, kConnectionDetails, 9},
 };
+// clang-format on
 
 inline int Width(const Control& control, int languageIndex) {
     if (control.cx != kGermanWidth) return control.cx;

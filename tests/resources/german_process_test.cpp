@@ -11,9 +11,7 @@
 
 TEST(GermanProcess, ConnectionTitleIsVerbindung) { EXPECT_STREQ(GetLocalString(21), "Verbindung"); }
 
-TEST(GermanProcess, IdWithoutGermanTextGivesEnglish) {
-    EXPECT_STREQ(GetLocalString(0), "Use &encryption");
-}
+TEST(GermanProcess, IdWithoutGermanTextGivesEnglish) { EXPECT_STREQ(GetLocalString(0), "Use &encryption"); }
 
 TEST(GermanProcess, FilterListKeepsItsTrailingBlank) {
     ASSERT_EQ(GetACP(), 1252u);

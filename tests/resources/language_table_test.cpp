@@ -15,6 +15,7 @@ struct Row {
 };
 
 // The table as it must read, row by row.
+// clang-format off
 constexpr Row kExpectedRows[29] = {
     {1, 0x09, 2, 1252, "English_UK", "en-GB"},
     {2, 0x07, kAny, 1252, "German", "de-DE"},
@@ -46,10 +47,9 @@ constexpr Row kExpectedRows[29] = {
     {26, 0x3E, 1, 1252, "Malaysia_MS", "ms-MY"},
     {27, 0x01, kAny, 1256, "Arabic_Extended", "ar-AA"},
 };
+// clang-format on
 
-int IndexForLcid(std::uint32_t lcid) {
-    return LanguageIndexForLangId(static_cast<std::uint16_t>(lcid & 0xFFFF));
-}
+int IndexForLcid(std::uint32_t lcid) { return LanguageIndexForLangId(static_cast<std::uint16_t>(lcid & 0xFFFF)); }
 
 }  // namespace
 
@@ -74,9 +74,7 @@ TEST(LanguageTable, EnglishUnitedStatesGivesNine) { EXPECT_EQ(IndexForLcid(0x040
 TEST(LanguageTable, EnglishAustraliaFallsBackToOne) { EXPECT_EQ(IndexForLcid(0x0C09), 1); }
 TEST(LanguageTable, EnglishCanadaFallsBackToOne) { EXPECT_EQ(IndexForLcid(0x1009), 1); }
 
-TEST(LanguageTable, FrenchCanadaScansPastTheFrenchWildcardToTwentyFive) {
-    EXPECT_EQ(IndexForLcid(0x0C0C), 25);
-}
+TEST(LanguageTable, FrenchCanadaScansPastTheFrenchWildcardToTwentyFive) { EXPECT_EQ(IndexForLcid(0x0C0C), 25); }
 TEST(LanguageTable, FrenchFranceGivesThree) { EXPECT_EQ(IndexForLcid(0x040C), 3); }
 TEST(LanguageTable, FrenchBelgiumAndSwitzerlandGiveThree) {
     EXPECT_EQ(IndexForLcid(0x080C), 3);
@@ -84,9 +82,7 @@ TEST(LanguageTable, FrenchBelgiumAndSwitzerlandGiveThree) {
 }
 
 // The later Arabic wildcard row replaces the earlier one: 27, never 19.
-TEST(LanguageTable, ArabicSaudiArabiaGivesTwentySevenNotNineteen) {
-    EXPECT_EQ(IndexForLcid(0x0401), 27);
-}
+TEST(LanguageTable, ArabicSaudiArabiaGivesTwentySevenNotNineteen) { EXPECT_EQ(IndexForLcid(0x0401), 27); }
 TEST(LanguageTable, ArabicEmiratesGivesTwentySeven) { EXPECT_EQ(IndexForLcid(0x3801), 27); }
 TEST(LanguageTable, EveryArabicSubLanguageGivesTwentySeven) {
     for (std::uint32_t sub = 0; sub < 64; ++sub)

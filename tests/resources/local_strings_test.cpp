@@ -14,24 +14,22 @@ namespace {
 constexpr int kGerman = 2, kFrench = 3, kSpanish = 4, kDutch = 7, kKorean = 10, kJapanese = 12,
               kChineseTraditional = 13, kChineseSimplified = 14, kFrenchCanada = 25;
 
-const char16_t* Cell(int id, int languageIndex) {
-    return g_localStrings[id]->texts[languageIndex - 1];
-}
+const char16_t* Cell(int id, int languageIndex) { return g_localStrings[id]->texts[languageIndex - 1]; }
 
 // The text up to its first NUL.
 std::u16string_view FirstString(const char16_t* text) { return text ? std::u16string_view(text) : u""; }
 
 // A whole NUL-separated list, both final NULs included.
-std::u16string_view WholeList(const char16_t* text) {
-    return std::u16string_view(text, DoubleNulTextLength(text));
-}
+std::u16string_view WholeList(const char16_t* text) { return std::u16string_view(text, DoubleNulTextLength(text)); }
 
 // For gtest messages: UTF-16 as escaped code units.
 std::string Show(std::u16string_view text) {
     std::string out;
     for (char16_t c : text) {
-        if (c >= 0x20 && c < 0x7F) out.push_back(static_cast<char>(c));
-        else out += "\\u" + std::to_string(static_cast<unsigned>(c));
+        if (c >= 0x20 && c < 0x7F)
+            out.push_back(static_cast<char>(c));
+        else
+            out += "\\u" + std::to_string(static_cast<unsigned>(c));
     }
     return out;
 }
@@ -47,8 +45,7 @@ TEST(LocalStrings, HasFortyNineRecordsEachAtItsOwnId) {
 }
 
 TEST(LocalStrings, EnglishColumnMatchesTheIndependentCopy) {
-    for (int id = 0; id < 49; ++id)
-        EXPECT_EQ(FirstString(Cell(id, 1)), expected::kEnglish[id]) << id;
+    for (int id = 0; id < 49; ++id) EXPECT_EQ(FirstString(Cell(id, 1)), expected::kEnglish[id]) << id;
 }
 
 TEST(LocalStrings, EveryTextEndsInTwoNuls) {
@@ -175,10 +172,8 @@ TEST(LocalStrings, FilterListsAreKeptAsStored) {
               u"Ausf\u00FChrbare und Icon-Dateien \0*.exe;*.dll;*.ico\0Alle Dateien\0*.*\0\0"sv);
     EXPECT_EQ(WholeList(Cell(40, kFrench)),
               u"Fichier ex\u00E9cutables et icones\0*.exe;*.dll;*.ico\0All files\0*.*\0\0"sv);
-    EXPECT_EQ(WholeList(Cell(40, kSpanish)),
-              u"Ejecutables e iconos\0*.exe;*.dll;*.ico\0Todos los archivos\0*.*\0\0"sv);
-    EXPECT_EQ(WholeList(Cell(40, kDutch)),
-              u"Programma en ikoon bestanden\0*.exe;*.dll;*ico\0All files\0*.*\0\0"sv);
+    EXPECT_EQ(WholeList(Cell(40, kSpanish)), u"Ejecutables e iconos\0*.exe;*.dll;*.ico\0Todos los archivos\0*.*\0\0"sv);
+    EXPECT_EQ(WholeList(Cell(40, kDutch)), u"Programma en ikoon bestanden\0*.exe;*.dll;*ico\0All files\0*.*\0\0"sv);
     EXPECT_EQ(WholeList(Cell(40, kKorean)),
               u"\uC2E4\uD589 \uBC0F \uC544\uC774\uCF58 \uD30C\uC77C\0*.exe;*.dll;*.ico\0"
               u"\uBAA8\uB4E0 \uD30C\uC77C\uB4E4\0*.*\0\0"sv);
@@ -239,7 +234,10 @@ namespace {
 char16_t Accelerator(std::u16string_view text) {
     for (std::size_t i = 0; i + 1 < text.size(); ++i) {
         if (text[i] != u'&') continue;
-        if (text[i + 1] == u'&') { ++i; continue; }
+        if (text[i + 1] == u'&') {
+            ++i;
+            continue;
+        }
         char16_t c = text[i + 1];
         if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - u'a' + u'A');
         return c;
@@ -261,10 +259,9 @@ TEST(LocalStrings, TranslationsHaveAnAcceleratorWhereEnglishHasOne) {
         for (const auto& own : expected::kOwnLanguageIndices) {
             const char16_t* text = Cell(id, own.index);
             if (text == nullptr || IsStoredSample(id, own.index)) continue;
-            EXPECT_EQ(Accelerator(FirstString(text)) != 0, english) << id << " " << own.code << " "
-                                                                    << Show(FirstString(text));
-            EXPECT_LE(std::count(FirstString(text).begin(), FirstString(text).end(), u'&'), 1)
-                << id << " " << own.code;
+            EXPECT_EQ(Accelerator(FirstString(text)) != 0, english)
+                << id << " " << own.code << " " << Show(FirstString(text));
+            EXPECT_LE(std::count(FirstString(text).begin(), FirstString(text).end(), u'&'), 1) << id << " " << own.code;
         }
     }
 }
@@ -272,11 +269,13 @@ TEST(LocalStrings, TranslationsHaveAnAcceleratorWhereEnglishHasOne) {
 // On the Proxy, Options and Connection Details dialogs every captioned control is visible
 // at once in some state, so their accelerators must not collide in any language.
 TEST(LocalStrings, AcceleratorsAreUniqueOnProxyOptionsAndDetailsDialogs) {
+    // clang-format off
     const int pages[][7] = {
         {2, 3, 4, 7, 8, 6, -1},   // Proxy page: both groups and the dial-up box
         {25, 22, 10, -1},         // Options page
         {43, 44, 45, 46, 47, -1}, // Connection Details
     };
+    // clang-format on
     for (int language = 1; language <= 27; ++language) {
         for (const auto& page : pages) {
             std::set<char16_t> seen;

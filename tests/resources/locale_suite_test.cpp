@@ -34,15 +34,15 @@ TEST(VQC_LOCALE_SUITE, EveryStringArrivesInTheAnsiCodePage) {
         while (ansi[bytes] != '\0' || ansi[bytes + 1] != '\0') ++bytes;
         bytes += 2;
         std::vector<wchar_t> wide(bytes + 1, L'\x7777');
-        const int chars = MultiByteToWideChar(CP_ACP, 0, ansi, static_cast<int>(bytes), wide.data(),
-                                              static_cast<int>(wide.size()));
+        const int chars =
+            MultiByteToWideChar(CP_ACP, 0, ansi, static_cast<int>(bytes), wide.data(), static_cast<int>(wide.size()));
         const char16_t* const* texts = g_localStrings[id]->texts;
         const char16_t* want = texts[VQC_EXPECTED_LANGUAGE - 1] ? texts[VQC_EXPECTED_LANGUAGE - 1] : texts[0];
         const std::size_t wantLength = DoubleNulTextLength(want);
         ASSERT_EQ(static_cast<std::size_t>(chars), wantLength) << id;
-        EXPECT_TRUE(std::equal(want, want + wantLength, wide.begin(),
-                               [](char16_t a, wchar_t b) { return a == static_cast<char16_t>(b); }))
-            << id;
+        EXPECT_TRUE(std::equal(want, want + wantLength, wide.begin(), [](char16_t a, wchar_t b) {
+            return a == static_cast<char16_t>(b);
+        })) << id;
     }
 }
 

@@ -24,9 +24,7 @@ TestOwnerWindow::~TestOwnerWindow() {
     if (window_ != nullptr) DestroyWindow(window_);
 }
 
-INT_PTR CALLBACK QuietDialogProc(HWND, UINT message, WPARAM, LPARAM) {
-    return message == WM_INITDIALOG ? TRUE : FALSE;
-}
+INT_PTR CALLBACK QuietDialogProc(HWND, UINT message, WPARAM, LPARAM) { return message == WM_INITDIALOG ? TRUE : FALSE; }
 
 namespace {
 
@@ -76,10 +74,8 @@ LRESULT CALLBACK RecordCreation(int code, WPARAM wParam, LPARAM lParam) {
     if (code == HCBT_CREATEWND && g_creations != nullptr) {
         const CREATESTRUCTW* cs = reinterpret_cast<CBT_CREATEWNDW*>(lParam)->lpcs;
         g_creations->push_back({reinterpret_cast<HWND>(wParam), cs->hwndParent,
-                                static_cast<int>(reinterpret_cast<INT_PTR>(cs->hMenu)),
-                                cs->x, cs->y, cs->cx, cs->cy,
-                                static_cast<std::uint32_t>(cs->style),
-                                static_cast<std::uint32_t>(cs->dwExStyle)});
+                                static_cast<int>(reinterpret_cast<INT_PTR>(cs->hMenu)), cs->x, cs->y, cs->cx, cs->cy,
+                                static_cast<std::uint32_t>(cs->style), static_cast<std::uint32_t>(cs->dwExStyle)});
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
@@ -115,8 +111,8 @@ void ExpectRealDialogMatchesTable(int index, int language) {
     std::vector<Creation> creations;
     g_creations = &creations;
     const HHOOK hook = SetWindowsHookExW(WH_CBT, RecordCreation, nullptr, GetCurrentThreadId());
-    const HWND dialog = reinterpret_cast<HWND>(CreateTableDialog(
-        GetModuleHandleW(nullptr), index, owner.Get(), QuietDialogProc, 0, 0, nullptr, 0));
+    const HWND dialog = reinterpret_cast<HWND>(
+        CreateTableDialog(GetModuleHandleW(nullptr), index, owner.Get(), QuietDialogProc, 0, 0, nullptr, 0));
     UnhookWindowsHookEx(hook);
     g_creations = nullptr;
     ASSERT_NE(hook, nullptr);

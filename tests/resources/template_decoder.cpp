@@ -15,8 +15,7 @@ public:
             failed_ = true;
             return 0;
         }
-        const std::uint16_t value =
-            static_cast<std::uint16_t>(bytes_[position_] | (bytes_[position_ + 1] << 8));
+        const std::uint16_t value = static_cast<std::uint16_t>(bytes_[position_] | (bytes_[position_ + 1] << 8));
         position_ += 2;
         return value;
     }

@@ -155,9 +155,7 @@ TEST(ClientVersion, NoVersionResourceGives726) {
     EXPECT_EQ(ReadClientVersion(ClientFixturePath("client_no_version").c_str()), 726);
 }
 
-TEST(ClientVersion, MissingFileGives726) {
-    EXPECT_EQ(ReadClientVersion("C:\\no such folder\\vclient.dll"), 726);
-}
+TEST(ClientVersion, MissingFileGives726) { EXPECT_EQ(ReadClientVersion("C:\\no such folder\\vclient.dll"), 726); }
 
 TEST(ClientVersion, ProbedClientIsReadFromBesideTheDll) {
     ExtensionFolder extension("probe-version");

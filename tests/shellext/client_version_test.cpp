@@ -12,9 +12,7 @@ TEST(ClientVersionNumber, FirstTwoFieldsAreJoinedNotScaled) {
     EXPECT_EQ(ClientVersionFromProductVersion("6.19.5"), 619);
 }
 
-TEST(ClientVersionNumber, SingleFieldIsTakenAlone) {
-    EXPECT_EQ(ClientVersionFromProductVersion("7"), 7);
-}
+TEST(ClientVersionNumber, SingleFieldIsTakenAlone) { EXPECT_EQ(ClientVersionFromProductVersion("7"), 7); }
 
 TEST(ClientVersionNumber, EmptyOrNonNumericGivesZero) {
     EXPECT_EQ(ClientVersionFromProductVersion(""), 0);
@@ -22,9 +20,7 @@ TEST(ClientVersionNumber, EmptyOrNonNumericGivesZero) {
     EXPECT_EQ(ClientVersionFromProductVersion("beta"), 0);
 }
 
-TEST(ClientVersionNumber, RunsOfDotsAreSkipped) {
-    EXPECT_EQ(ClientVersionFromProductVersion("..6...40..1"), 640);
-}
+TEST(ClientVersionNumber, RunsOfDotsAreSkipped) { EXPECT_EQ(ClientVersionFromProductVersion("..6...40..1"), 640); }
 
 TEST(ClientVersionNumber, LeadingDigitsOfTheJoinedTextCount) {
     EXPECT_EQ(ClientVersionFromProductVersion("6.4a.1"), 64);

@@ -21,8 +21,8 @@ using namespace page_test;
 
 namespace {
 
-constexpr wchar_t kCyrillicName[] = L"\x0421\x0432\x044F\x0437\x044C.vqc";   // "Svyaz" in Cyrillic
-constexpr wchar_t kEmojiName[] = L"\xD83D\xDD0C office.vqc";                   // an electric plug
+constexpr wchar_t kCyrillicName[] = L"\x0421\x0432\x044F\x0437\x044C.vqc";  // "Svyaz" in Cyrillic
+constexpr wchar_t kEmojiName[] = L"\xD83D\xDD0C office.vqc";                // an electric plug
 
 std::string InCodePage(const std::wstring& wide) {
     const int length = WideCharToMultiByte(CP_ACP, 0, wide.c_str(), -1, nullptr, 0, nullptr, nullptr);

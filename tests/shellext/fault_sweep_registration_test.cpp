@@ -131,14 +131,16 @@ TEST(FaultSweep, UnregisteringAnswersAndASecondRunRemovesEverything) {
         [&](HMODULE module, faults::RunChecks& checks) {
             {
                 const faults::PausedCounting setUp;
-                checks.Expect(Export<ServerFunction>(module, "DllRegisterServer")() == S_OK, "set-up registration failed");
+                checks.Expect(Export<ServerFunction>(module, "DllRegisterServer")() == S_OK,
+                              "set-up registration failed");
             }
             // Deletions that fail are not reported: S_OK, with the entries that could not go.
             result = Export<ServerFunction>(module, "DllUnregisterServer")();
             checks.Expect(result == S_OK || FAILED(result), "DllUnregisterServer answered " + std::to_string(result));
             // Run again without the fault, it finishes the job.
             const faults::PausedCounting again;
-            checks.Expect(Export<ServerFunction>(module, "DllUnregisterServer")() == S_OK, "a second unregistration failed");
+            checks.Expect(Export<ServerFunction>(module, "DllUnregisterServer")() == S_OK,
+                          "a second unregistration failed");
         },
         options);
     ExpectClean(report, "unregistering");

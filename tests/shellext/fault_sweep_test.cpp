@@ -45,7 +45,8 @@ faults::SweepReport SweepIconHandler(const std::string& tag, const std::string& 
 }
 
 TEST(FaultSweep, IconHandlerOnAFileWithAnIcon) {
-    ExpectClean(SweepIconHandler("sweep-icon", test_support::ConnectionLineWithIcon({32, 16})), "icon handler, file with an icon");
+    ExpectClean(SweepIconHandler("sweep-icon", test_support::ConnectionLineWithIcon({32, 16})),
+                "icon handler, file with an icon");
 }
 
 TEST(FaultSweep, IconHandlerOnAFileWithoutAnIcon) {
@@ -172,9 +173,9 @@ void PropertiesCycle(HMODULE module, const std::string& file, CleanApplies& clea
         } else if (fewerPages) {
             ++outcomes.fewerPages;
         }
-        checks.Expect(iconDiffers || showedAnEmptyRecord || fewerPages,
-                      "the file is not what the user's edits give, and nobody was told:\n" + written + "\nwanted:\n" +
-                          wanted);
+        checks.Expect(
+            iconDiffers || showedAnEmptyRecord || fewerPages,
+            "the file is not what the user's edits give, and nobody was told:\n" + written + "\nwanted:\n" + wanted);
     }
     shell.Destroy();
 }
@@ -188,11 +189,12 @@ TEST(FaultSweep, PropertiesWithAnEditOnEveryPageAndApply) {
         folder.Dll(),
         [&](HMODULE module, faults::RunChecks& checks) { PropertiesCycle(module, file, clean, outcomes, checks); },
         ServerSweepOptions());
-    std::printf("properties: %d runs told the user of a failed save, %d of them left the file to a second Apply; "
-                "%d runs' pages could not read the file and Apply wrote what they showed; %d runs wrote the file "
-                "without (part of) an icon the system could not encode or load; %d runs wrote the edits of fewer "
-                "pages than the user edited, one page having failed to fill its controls or take its edit\n",
-                outcomes.told, outcomes.holes, outcomes.unread, outcomes.iconless, outcomes.fewerPages);
+    std::printf(
+        "properties: %d runs told the user of a failed save, %d of them left the file to a second Apply; "
+        "%d runs' pages could not read the file and Apply wrote what they showed; %d runs wrote the file "
+        "without (part of) an icon the system could not encode or load; %d runs wrote the edits of fewer "
+        "pages than the user edited, one page having failed to fill its controls or take its edit\n",
+        outcomes.told, outcomes.holes, outcomes.unread, outcomes.iconless, outcomes.fewerPages);
     ExpectClean(report, "properties");
 }
 

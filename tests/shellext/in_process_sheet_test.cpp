@@ -93,11 +93,13 @@ TEST(InProcessSheet, EveryPageNamesTheModulesLockCountAsReferenceParent) {
     ASSERT_TRUE(sheet.Open());
     ShowPage(sheet.Sheet(), 1);
     ShowPage(sheet.Sheet(), 2);
+    // clang-format off
     const PROPSHEETPAGEA* descriptions[] = {
         &CVQCConnectionPage::FromWindow(PageWindow(sheet.Sheet(), 0))->Description(),
         &CVQCProxyPage::FromWindow(PageWindow(sheet.Sheet(), 1))->Description(),
         &CVQCOptionPage::FromWindow(PageWindow(sheet.Sheet(), 2))->Description(),
     };
+    // clang-format on
     const char* titles[] = {"Connection", "Proxy", "Options"};
     for (int i = 0; i < 3; ++i) {
         const PROPSHEETPAGEA& d = *descriptions[i];

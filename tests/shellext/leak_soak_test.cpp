@@ -97,10 +97,11 @@ SoakResult Soak(std::size_t cycles, Cycle&& cycle) {
 }
 
 void ExpectBalancedAndFlat(const SoakResult& result, const std::string& name, std::size_t cycles) {
-    std::printf("soak %s: %zu cycles after %zu settling; made %s; left alive: %s; heap in use %zu bytes after "
-                "settling, %zu at the end\n",
-                name.c_str(), cycles, kSettlingCycles, Made(result.made).c_str(),
-                result.live.empty() ? "nothing" : result.live.c_str(), result.heapAfterSettling, result.heapAtEnd);
+    std::printf(
+        "soak %s: %zu cycles after %zu settling; made %s; left alive: %s; heap in use %zu bytes after "
+        "settling, %zu at the end\n",
+        name.c_str(), cycles, kSettlingCycles, Made(result.made).c_str(),
+        result.live.empty() ? "nothing" : result.live.c_str(), result.heapAfterSettling, result.heapAtEnd);
     EXPECT_EQ(result.live, "");
     EXPECT_LE(result.heapAtEnd, result.heapAfterSettling);
     for (std::size_t i = 0; i < result.problems.size() && i < 10; ++i) ADD_FAILURE() << result.problems[i];
@@ -139,7 +140,8 @@ TEST(LeakSoak, SheetsOpenedEditedAppliedAndClosedLeaveNothingAndTheHeapFlat) {
         ShellPropertySheet shell(Export<GetClassObjectFunction>(dll.Module(), "DllGetClassObject"), file);
         checks.Expect(shell.Open(), "the sheet did not open");
         if (!shell.Sheet()) return;
-        checks.Expect(EditEveryPage(shell.Sheet()) == (kConnectionPage | kProxyPage | kOptionsPage), "a page is missing");
+        checks.Expect(EditEveryPage(shell.Sheet()) == (kConnectionPage | kProxyPage | kOptionsPage),
+                      "a page is missing");
         checks.Expect(Press(shell.Sheet(), kApplyButtonId).empty(), "Apply failed");
         checks.Expect(ReadFileBytes(file).find("-u changed") != std::string::npos, "Apply did not write the edit");
         shell.Destroy();

@@ -169,8 +169,8 @@ TEST(ClassFactory, AggregationIsRefused) {
 
 TEST(ClassFactory, CreatesTheObjectForEachOfItsInterfaces) {
     ComPtr<IClassFactory> factory = Factory();
-    for (const IID* iid : {&IID_IVQCProp, &IID_IShellExtInit, &IID_IShellPropSheetExt, &IID_IPersistFile,
-                           &IID_IExtractIconA}) {
+    for (const IID* iid :
+         {&IID_IVQCProp, &IID_IShellExtInit, &IID_IShellPropSheetExt, &IID_IPersistFile, &IID_IExtractIconA}) {
         ComPtr<IUnknown> object;
         EXPECT_EQ(factory->CreateInstance(nullptr, *iid, object.PutVoid()), S_OK);
         EXPECT_TRUE(object);

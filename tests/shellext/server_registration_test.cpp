@@ -153,8 +153,8 @@ TEST(ServerRegistration, WriteProtectedClassKeyFailsLogsItsNativePathAndRollsBac
 
     EXPECT_EQ(RegisterServer(TheModule(), log), static_cast<HRESULT>(0x800703FD));
     ASSERT_EQ(log.Messages().size(), 1u);
-    const std::string prefix = "Failed to create registry key " + NativeKeyName(root.Get(), "CLSID") + "\\" +
-                               kClassId + " Error ";
+    const std::string prefix =
+        "Failed to create registry key " + NativeKeyName(root.Get(), "CLSID") + "\\" + kClassId + " Error ";
     const std::string& line = log.Messages()[0];
     ASSERT_EQ(line.substr(0, prefix.size()), prefix) << line;
     // The code in the line is the thread's last-error value; its text is the system's.
@@ -290,8 +290,8 @@ public:
         window_ = CreateWindowExA(0, windowClass.lpszClassName, "listener", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                   nullptr, nullptr);
         SHChangeNotifyEntry entry = {nullptr, TRUE};
-        registration_ = SHChangeNotifyRegister(window_, SHCNRF_ShellLevel | SHCNRF_InterruptLevel,
-                                               SHCNE_ASSOCCHANGED, kMessage, 1, &entry);
+        registration_ = SHChangeNotifyRegister(window_, SHCNRF_ShellLevel | SHCNRF_InterruptLevel, SHCNE_ASSOCCHANGED,
+                                               kMessage, 1, &entry);
     }
     ~AssociationChangeListener() {
         if (registration_) SHChangeNotifyDeregister(registration_);

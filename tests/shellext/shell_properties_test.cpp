@@ -29,7 +29,6 @@ constexpr DWORD kSheetWait = 20000;
 using connection_page::kLoginEdit;
 using connection_page::kServerBox;
 
-
 std::vector<std::string> Titles(HWND sheet) {
     std::vector<std::string> titles;
     for (const std::wstring& title : shell_road::PageTitles(sheet)) titles.push_back(shell_road::Utf8(title));

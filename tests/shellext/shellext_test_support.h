@@ -17,7 +17,6 @@
 
 namespace test_support {
 
-
 inline bool CopyInto(const std::string& from, const std::string& to) {
     return CopyFileA(from.c_str(), to.c_str(), FALSE) != FALSE;
 }

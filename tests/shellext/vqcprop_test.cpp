@@ -48,8 +48,8 @@ std::string OwnModulePath() {
 
 TEST(VQCPropInterfaces, EveryMappedInterfaceIsAnswered) {
     ComPtr<IUnknown> object = NewObject();
-    for (const IID* iid : {&IID_IUnknown, &IID_IShellExtInit, &IID_IShellPropSheetExt, &IID_IPersistFile,
-                           &IID_IExtractIconA}) {
+    for (const IID* iid :
+         {&IID_IUnknown, &IID_IShellExtInit, &IID_IShellPropSheetExt, &IID_IPersistFile, &IID_IExtractIconA}) {
         void* answer = reinterpret_cast<void*>(0xdeadbeef);
         EXPECT_EQ(object->QueryInterface(*iid, &answer), S_OK);
         ASSERT_NE(answer, nullptr);
@@ -462,9 +462,9 @@ TEST(VQCPropIcon, SmallIconAloneIsHandedOverWithSFalse) {
     char location[MAX_PATH + 1] = "";
     int index = 0xdeadbeef;
     UINT flags = 0xdeadbeef;
-    EXPECT_EQ(As<IExtractIconA>(object, IID_IExtractIconA)
-                  ->GetIconLocation(0, location, sizeof(location), &index, &flags),
-              S_OK);
+    EXPECT_EQ(
+        As<IExtractIconA>(object, IID_IExtractIconA)->GetIconLocation(0, location, sizeof(location), &index, &flags),
+        S_OK);
     EXPECT_EQ(flags, 2u);
 }
 

@@ -13,9 +13,7 @@ namespace shell_road {
 
 namespace {
 
-bool HasTabControl(HWND window) {
-    return FindWindowExA(window, nullptr, WC_TABCONTROLA, nullptr) != nullptr;
-}
+bool HasTabControl(HWND window) { return FindWindowExA(window, nullptr, WC_TABCONTROLA, nullptr) != nullptr; }
 
 BOOL CALLBACK FindSheet(HWND window, LPARAM found) {
     char className[16] = {};

@@ -51,8 +51,7 @@ HRESULT ShellUiObject(const std::vector<std::wstring>& files, REFIID iid, void**
     if (FAILED(result)) return result;
     std::vector<PCUITEMID_CHILD> children;
     for (PIDLIST_ABSOLUTE id : items.Ids()) children.push_back(ILFindLastID(id));
-    return folder->GetUIObjectOf(nullptr, static_cast<UINT>(children.size()), children.data(), iid, nullptr,
-                                 object);
+    return folder->GetUIObjectOf(nullptr, static_cast<UINT>(children.size()), children.data(), iid, nullptr, object);
 }
 
 HRESULT ShellUiObject(const std::vector<std::string>& files, REFIID iid, void** object) {
@@ -65,8 +64,6 @@ ComPtr<IDataObject> ShellSelection(const std::vector<std::wstring>& files) {
     return data;
 }
 
-ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) {
-    return ShellSelection(WideNames(files));
-}
+ComPtr<IDataObject> ShellSelection(const std::vector<std::string>& files) { return ShellSelection(WideNames(files)); }
 
 }  // namespace test_support

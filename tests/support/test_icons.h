@@ -46,8 +46,7 @@ inline IconImage MakeTestIconImage(int size, std::uint16_t bitsPerPixel, unsigne
 
 inline HICON MakeIconFromImage(const IconImage& image, int width = 0, int height = 0) {
     std::vector<std::uint8_t> dib = image.dib;
-    return CreateIconFromResourceEx(dib.data(), static_cast<DWORD>(dib.size()), TRUE, 0x00030000,
-                                    width, height, 0);
+    return CreateIconFromResourceEx(dib.data(), static_cast<DWORD>(dib.size()), TRUE, 0x00030000, width, height, 0);
 }
 
 inline HICON MakeTestIcon(int size, std::uint16_t bitsPerPixel, unsigned seed = 1) {
@@ -98,8 +97,7 @@ inline HICON MakeMonochromeTestIcon(int size) {
 
 // The icon drawn with DrawIconEx (its own size) over a square of `background`, top-down
 // 0x00RRGGBB pixels.
-inline std::vector<std::uint32_t> RenderedIcon(HICON icon, int size, COLORREF background,
-                                               UINT flags = DI_NORMAL) {
+inline std::vector<std::uint32_t> RenderedIcon(HICON icon, int size, COLORREF background, UINT flags = DI_NORMAL) {
     const test_support::PixelSection section(size, size);
     if (!section) return {};
     {

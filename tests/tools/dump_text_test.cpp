@@ -17,6 +17,4 @@ TEST(DumpText, OtherControlBytesAreHex) {
     EXPECT_EQ(QuotedForDump(std::string("\x01\x1f\0x", 4)), "\"\\x01\\x1F\\x00x\"");
 }
 
-TEST(DumpText, HighBytesAndBlanksStayAsTheyAre) {
-    EXPECT_EQ(QuotedForDump("caf\xe9 \x7f"), "\"caf\xe9 \x7f\"");
-}
+TEST(DumpText, HighBytesAndBlanksStayAsTheyAre) { EXPECT_EQ(QuotedForDump("caf\xe9 \x7f"), "\"caf\xe9 \x7f\""); }

@@ -60,7 +60,8 @@ TEST(VqctoolCheck, Client640LosesEncryptionOnly) {
 TEST(VqctoolCheck, DiscoveryIsOfferedFrom665) {
     const Checked before = Check("-K -u bob", 664);
     EXPECT_EQ(before.exitCode, 1u);
-    EXPECT_EQ(before.findings, Lines_{"connection-type: Discover service (client 664 is not offered this connection type)"});
+    EXPECT_EQ(before.findings,
+              Lines_{"connection-type: Discover service (client 664 is not offered this connection type)"});
     const Checked from = Check("-K -u bob", 665);
     EXPECT_EQ(from.exitCode, 0u);
     EXPECT_EQ(from.findings, Lines_{});
@@ -97,9 +98,9 @@ TEST(VqctoolCheck, JsonOfAFolderWithRecursiveListsEachFilesFindings) {
     EXPECT_EQ(parsed[0]["path"], folder.File("a.vqc"));
     EXPECT_EQ(parsed[0]["clientVersion"], 640);
     EXPECT_EQ(parsed[0]["findings"], (nlohmann::json::array({{{"field", "encrypt"},
-                                                               {"before", "true"},
-                                                               {"after", "false"},
-                                                               {"reason", "client 640 cannot take -l"}}})));
+                                                              {"before", "true"},
+                                                              {"after", "false"},
+                                                              {"reason", "client 640 cannot take -l"}}})));
     EXPECT_EQ(parsed[1]["path"], folder.File("sub\\b.vqc"));
     EXPECT_EQ(parsed[1]["findings"], nlohmann::json::array());
 }

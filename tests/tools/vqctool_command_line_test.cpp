@@ -73,8 +73,10 @@ TEST(VqctoolCommandLine, EveryBadArgumentIsAUsageErrorNamingIt) {
     const struct {
         std::vector<std::string> arguments;
         const char* named;
+        // clang-format off
     } cases[] = {
         {{}, "no command"},
+        // clang-format on
         {{"list", "a.vqc"}, "list"},
         {{"show"}, "needs more files"},
         {{"show", "--dry-run", "a.vqc"}, "--dry-run"},

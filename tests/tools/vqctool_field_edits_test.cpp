@@ -116,8 +116,7 @@ TEST(VqctoolFieldEdits, ChangesAreDescribedFieldByField) {
     ConnectionSettings before;
     before.host = "old";
     const ConnectionSettings after = Edited(before, {"host=new", "encrypt=yes"});
-    EXPECT_EQ(DescribeChanges(before, after),
-              (std::vector<std::string>{"host: old -> new", "encrypt: false -> true"}));
+    EXPECT_EQ(DescribeChanges(before, after), (std::vector<std::string>{"host: old -> new", "encrypt: false -> true"}));
 }
 
 TEST(VqctoolTypeNames, NamesAreThePagesEnglishTexts) {

@@ -31,7 +31,8 @@ TEST(VqctoolIcon, SetEmbedsBothSizesOfTheSource) {
     TempFolder folder("tool-icon-set");
     WriteFileBytes(folder.File("source.ico"), IconFileBytes());
     WriteFileBytes(folder.File("a.vqc"), "-h server -u bob");
-    const ToolRun run = RunTool("icon set " + Quoted(folder.File("a.vqc")) + " --from " + Quoted(folder.File("source.ico")));
+    const ToolRun run =
+        RunTool("icon set " + Quoted(folder.File("a.vqc")) + " --from " + Quoted(folder.File("source.ico")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     const ToolRun shown = RunTool("show " + Quoted(folder.File("a.vqc")));
     EXPECT_NE(shown.out.find("\nicon=32x32\nsmallIcon=16x16\n"), std::string::npos) << shown.out;
@@ -43,12 +44,18 @@ TEST(VqctoolIcon, ExportThenSetFromTheExportRoundTripsThePixelsExactly) {
     WriteFileBytes(folder.File("source.ico"), IconFileBytes());
     WriteFileBytes(folder.File("first.vqc"), "-h one");
     WriteFileBytes(folder.File("second.vqc"), "-h two");
-    ASSERT_EQ(RunTool("icon set " + Quoted(folder.File("first.vqc")) + " --from " + Quoted(folder.File("source.ico"))).exitCode, 0u);
-    const ToolRun exported = RunTool("icon export " + Quoted(folder.File("first.vqc")) + " " + Quoted(folder.File("first.ico")));
+    ASSERT_EQ(RunTool("icon set " + Quoted(folder.File("first.vqc")) + " --from " + Quoted(folder.File("source.ico")))
+                  .exitCode,
+              0u);
+    const ToolRun exported =
+        RunTool("icon export " + Quoted(folder.File("first.vqc")) + " " + Quoted(folder.File("first.ico")));
     ASSERT_EQ(exported.exitCode, 0u) << exported.err;
-    const ToolRun set = RunTool("icon set " + Quoted(folder.File("second.vqc")) + " --from " + Quoted(folder.File("first.ico")));
+    const ToolRun set =
+        RunTool("icon set " + Quoted(folder.File("second.vqc")) + " --from " + Quoted(folder.File("first.ico")));
     ASSERT_EQ(set.exitCode, 0u) << set.err;
-    ASSERT_EQ(RunTool("icon export " + Quoted(folder.File("second.vqc")) + " " + Quoted(folder.File("second.ico"))).exitCode, 0u);
+    ASSERT_EQ(
+        RunTool("icon export " + Quoted(folder.File("second.vqc")) + " " + Quoted(folder.File("second.ico"))).exitCode,
+        0u);
 
     // The same pixels in both files, and the export is the embedded stream itself.
     const std::string firstIcon = IconPart(ReadFileBytes(folder.File("first.vqc")));
@@ -56,7 +63,8 @@ TEST(VqctoolIcon, ExportThenSetFromTheExportRoundTripsThePixelsExactly) {
     EXPECT_EQ(IconPart(ReadFileBytes(folder.File("second.vqc"))), firstIcon);
     EXPECT_EQ(ReadFileBytes(folder.File("second.ico")), ReadFileBytes(folder.File("first.ico")));
     const std::string exportedBytes = ReadFileBytes(folder.File("first.ico"));
-    EXPECT_EQ("-I \"" + HexTextOf(std::vector<std::uint8_t>(exportedBytes.begin(), exportedBytes.end())) + "\"", firstIcon);
+    EXPECT_EQ("-I \"" + HexTextOf(std::vector<std::uint8_t>(exportedBytes.begin(), exportedBytes.end())) + "\"",
+              firstIcon);
     // Two images, 32 and 16 pixels at 32 bits per pixel, as the icon stream's directory says.
     ASSERT_GT(exportedBytes.size(), 6u + 2 * 16u);
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(exportedBytes[i]); };
@@ -74,7 +82,8 @@ TEST(VqctoolIcon, SetOnAFolderWithRecursiveAndAWildcard) {
     CreateDirectoryA(folder.File("sub").c_str(), nullptr);
     WriteFileBytes(folder.File("sub\\b.vqc"), "-h b");
     WriteFileBytes(folder.File("sub\\c.vqc"), "-h c");
-    const ToolRun run = RunTool("icon set -r " + Quoted(folder.Path()) + " --from " + Quoted(folder.File("source.ico")));
+    const ToolRun run =
+        RunTool("icon set -r " + Quoted(folder.Path()) + " --from " + Quoted(folder.File("source.ico")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     EXPECT_EQ(run.err, "3 files, 3 changed, 0 failed\n");
     const std::string icon = IconPart(ReadFileBytes(folder.File("a.vqc")));
@@ -92,8 +101,8 @@ TEST(VqctoolIcon, ASourceWithoutTheIconIsAUsageErrorAndNoFileChanges) {
     WriteFileBytes(folder.File("source.ico"), IconFileBytes());
     WriteFileBytes(folder.File("a.vqc"), "-h a");
     WriteFileBytes(folder.File("not-an-icon.ico"), "plain text");
-    for (const std::string& source : {Quoted(folder.File("source.ico")) + " --index 5", Quoted(folder.File("not-an-icon.ico")),
-                                      Quoted(folder.File("missing.ico"))}) {
+    for (const std::string& source : {Quoted(folder.File("source.ico")) + " --index 5",
+                                      Quoted(folder.File("not-an-icon.ico")), Quoted(folder.File("missing.ico"))}) {
         const ToolRun run = RunTool("icon set " + Quoted(folder.File("a.vqc")) + " --from " + source);
         EXPECT_EQ(run.exitCode, 2u) << source;
         EXPECT_NE(run.err.find("has no icon"), std::string::npos) << run.err;

@@ -61,7 +61,8 @@ TEST(VqctoolRecordJson, TextsGoThroughTheConversion) {
         }
         return out;
     };
-    const auto parsed = nlohmann::json::parse(JsonText(RecordJson("a.vqc", record, std::nullopt, std::nullopt, latin1)));
+    const auto parsed =
+        nlohmann::json::parse(JsonText(RecordJson("a.vqc", record, std::nullopt, std::nullopt, latin1)));
     EXPECT_EQ(parsed["login"], "J\xC3\xB6rg");
 }
 
@@ -85,9 +86,9 @@ TEST(VqctoolRunSummary, SummaryAndProgressLines) {
 
 TEST(VqctoolRecordJson, AnImageBlocksFormatIsItsHeaders) {
     std::vector<std::uint8_t> block(40, 0);
-    block[4] = 48;      // width
-    block[8] = 96;      // height, doubled for the mask
-    block[14] = 4;      // bits per pixel
+    block[4] = 48;  // width
+    block[8] = 96;  // height, doubled for the mask
+    block[14] = 4;  // bits per pixel
     const auto own = ImageBlockFormat(block, 0, 0);
     ASSERT_TRUE(own);
     EXPECT_EQ(own->width, 48);

@@ -69,7 +69,8 @@ TEST(VqctoolRewriteCheck, TheBrokerIsNotOfferedFrom690) {
     record.route = kRouteBroker;
     const auto findings = UnofferedSettings(record);
     ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(FindingText(findings[0]), "routeName: Connect via a connection broker (client 690 is not offered this route)");
+    EXPECT_EQ(FindingText(findings[0]),
+              "routeName: Connect via a connection broker (client 690 is not offered this route)");
     record.clientVersion = 689;
     EXPECT_TRUE(UnofferedSettings(record).empty());
 }

@@ -38,7 +38,8 @@ struct ToolBesideClient {
 
 TEST(VqctoolSet, ChangesTheFieldsOfOneFile) {
     Files files;
-    const ToolRun run = RunTool("set host=new.example servicePort=5000 serviceName=svc " + Quoted(files.folder.File("a.vqc")));
+    const ToolRun run =
+        RunTool("set host=new.example servicePort=5000 serviceName=svc " + Quoted(files.folder.File("a.vqc")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(files.Bytes("a.vqc"), "-h new.example -V 5000 -v svc -u ann ");
@@ -91,19 +92,21 @@ TEST(VqctoolSet, TypesByThePagesNamesKeepOneConnectionAndOneLoginType) {
     const ToolRun run = RunTool("set \"login-type=NT no logon\" encrypt=false " + Quoted(files.folder.File("b.vqc")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     EXPECT_EQ(files.Bytes("b.vqc"), "-h bravo -L -u bob ");
-    const ToolRun local = RunTool("set \"connection-type=Connect locally\" localTarget=host.exe " +
-                                  Quoted(files.folder.File("b.vqc")));
+    const ToolRun local =
+        RunTool("set \"connection-type=Connect locally\" localTarget=host.exe " + Quoted(files.folder.File("b.vqc")));
     EXPECT_EQ(local.exitCode, 0u) << local.err;
     EXPECT_EQ(files.Bytes("b.vqc"), "-d host.exe -u bob ");
     // The local file holds no host: back to a remote server, the host is set again.
-    const ToolRun cached = RunTool("set optionR=true connection-type=remote host=bravo " + Quoted(files.folder.File("b.vqc")));
+    const ToolRun cached =
+        RunTool("set optionR=true connection-type=remote host=bravo " + Quoted(files.folder.File("b.vqc")));
     EXPECT_EQ(cached.exitCode, 0u) << cached.err;
     EXPECT_EQ(files.Bytes("b.vqc"), "-h bravo -R -u bob ");
 }
 
 TEST(VqctoolSet, RouteAndProxyByName) {
     Files files;
-    const ToolRun run = RunTool("set route=proxy proxyHost=gate proxyPort=3128 proxyUser=me " + Quoted(files.folder.File("c.vqc")));
+    const ToolRun run =
+        RunTool("set route=proxy proxyHost=gate proxyPort=3128 proxyUser=me " + Quoted(files.folder.File("c.vqc")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     EXPECT_EQ(files.Bytes("c.vqc"), "-h charlie -c me@gate:3128 ");
 }
@@ -114,8 +117,8 @@ TEST(VqctoolSet, DryRunTellsTheChangesAndTouchesNothing) {
     const ToolRun run = RunTool("set host=new --dry-run " + Quoted(files.folder.File("a.vqc")) + " " +
                                 Quoted(files.folder.File("c.vqc")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
-    EXPECT_EQ(run.out, files.folder.File("a.vqc") + ": would change\n  host: alpha -> new\n" + files.folder.File("c.vqc") +
-                           ": would change\n  host: charlie -> new\n");
+    EXPECT_EQ(run.out, files.folder.File("a.vqc") + ": would change\n  host: alpha -> new\n" +
+                           files.folder.File("c.vqc") + ": would change\n  host: charlie -> new\n");
     EXPECT_EQ(run.err, "2 files, 2 changed, 0 failed\n");
     EXPECT_EQ(FolderContent(files.folder.Path()), before);
 }
@@ -127,8 +130,10 @@ TEST(VqctoolSet, EveryBadArgumentIsStatusTwoAndNoFileChanges) {
     const struct {
         std::string arguments;
         std::string named;
+        // clang-format off
     } cases[] = {
         {"set hots=x" + all, "unknown field \"hots\""},
+        // clang-format on
         {"set host=x servicePort=12x" + all, "servicePort"},
         {"set proxyPort=99999999999" + all, "proxyPort"},
         {"set encrypt=perhaps" + all, "encrypt"},
@@ -173,8 +178,8 @@ TEST(VqctoolSet, AFileAnotherProgramHoldsIsReportedAndTheOthersAreWritten) {
     ASSERT_TRUE(lock);
     const ToolRun run = RunTool("set login=admin " + Quoted(files.folder.Path()));
     EXPECT_EQ(run.exitCode, 1u);
-    EXPECT_EQ(run.err, "vqctool: cannot read " + files.folder.File("a.vqc") + ": " + SystemText(ERROR_SHARING_VIOLATION) +
-                           "\n3 files, 2 changed, 1 failed\n");
+    EXPECT_EQ(run.err, "vqctool: cannot read " + files.folder.File("a.vqc") + ": " +
+                           SystemText(ERROR_SHARING_VIOLATION) + "\n3 files, 2 changed, 1 failed\n");
     EXPECT_EQ(files.Bytes("b.vqc"), "-h bravo -l -u admin ");
     EXPECT_EQ(files.Bytes("c.vqc"), "-h charlie -u admin ");
 }
@@ -186,8 +191,8 @@ TEST(VqctoolSet, AFailedReplacementLeavesTheOldFileAndNoNewFileBehind) {
     const UniqueKernelHandle lock(CreateFileA(files.folder.File("a.vqc").c_str(), GENERIC_READ, FILE_SHARE_READ,
                                               nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     ASSERT_TRUE(lock);
-    const ToolRun run = RunTool("set login=admin " + Quoted(files.folder.File("a.vqc")) + " " +
-                                Quoted(files.folder.File("c.vqc")));
+    const ToolRun run =
+        RunTool("set login=admin " + Quoted(files.folder.File("a.vqc")) + " " + Quoted(files.folder.File("c.vqc")));
     EXPECT_EQ(run.exitCode, 1u);
     EXPECT_NE(run.err.find("vqctool: cannot write " + files.folder.File("a.vqc") + ": "), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("2 files, 1 changed, 1 failed\n"), std::string::npos) << run.err;
@@ -204,8 +209,8 @@ TEST(VqctoolSet, WritesForTheClientInstalledBesideTheTool) {
     const ToolRun run = RunTool("set encrypt=true " + Quoted(files.folder.File("a.vqc")), "", client640.tool);
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     EXPECT_EQ(files.Bytes("a.vqc"), "-h alpha -u ann ");  // client 6.40 never gets -l
-    const ToolRun given = RunTool("set encrypt=true --client-version 690 " + Quoted(files.folder.File("a.vqc")), "",
-                                  client640.tool);
+    const ToolRun given =
+        RunTool("set encrypt=true --client-version 690 " + Quoted(files.folder.File("a.vqc")), "", client640.tool);
     EXPECT_EQ(given.exitCode, 0u) << given.err;
     EXPECT_EQ(files.Bytes("a.vqc"), "-h alpha -l -u ann ");
 }
@@ -257,7 +262,8 @@ TEST(VqctoolRewrite, AMissingFileExitsOne) {
     TempFolder folder("tool-rewrite-missing");
     const ToolRun run = RunTool("rewrite " + Quoted(folder.File("in.vqc")) + " " + Quoted(folder.File("out.vqc")));
     EXPECT_EQ(run.exitCode, 1u);
-    EXPECT_EQ(run.err, "vqctool: cannot read " + folder.File("in.vqc") + ": " + SystemText(ERROR_FILE_NOT_FOUND) + "\n");
+    EXPECT_EQ(run.err,
+              "vqctool: cannot read " + folder.File("in.vqc") + ": " + SystemText(ERROR_FILE_NOT_FOUND) + "\n");
     EXPECT_EQ(ReadFileBytes(folder.File("out.vqc")), "<missing>");
 }
 

@@ -61,7 +61,9 @@ void ExpectSameAsReader(const nlohmann::json& entry, const std::string& path) {
             ASSERT_TRUE(value.is_number_integer());
             EXPECT_EQ(value.get<std::int32_t>(), record.*field.number);
             break;
-        case vqctool::FieldKind::UnsignedNumber: EXPECT_EQ(value.get<std::uint32_t>(), record.*field.unsignedNumber); break;
+        case vqctool::FieldKind::UnsignedNumber:
+            EXPECT_EQ(value.get<std::uint32_t>(), record.*field.unsignedNumber);
+            break;
         case vqctool::FieldKind::Flag:
             ASSERT_TRUE(value.is_boolean());
             EXPECT_EQ(value.get<bool>(), record.*field.flag != 0);
@@ -84,8 +86,8 @@ TEST(VqctoolShow, PrintsResultAndEveryFieldInOrder) {
     const ToolRun run = RunTool("show " + Quoted(file));
     EXPECT_EQ(run.exitCode, 0u);
     EXPECT_EQ(run.err, "");
-    const std::string small = std::to_string(GetSystemMetrics(SM_CXSMICON)) + "x" +
-                              std::to_string(GetSystemMetrics(SM_CYSMICON));
+    const std::string small =
+        std::to_string(GetSystemMetrics(SM_CXSMICON)) + "x" + std::to_string(GetSystemMetrics(SM_CYSMICON));
     EXPECT_EQ(run.out,
               "result=0\n"
               "answerBack=\"x\\ty\"\n"
@@ -121,10 +123,13 @@ TEST(VqctoolShow, PrintsResultAndEveryFieldInOrder) {
               "inDomainKnown=0\n"
               "clientVersion=726\n"
               "route=1\n"
-              "filePath=" + Dumped(file) + "\n"
-              "refCount=0\n"
-              "icon=32x32\n"
-              "smallIcon=" + small + "\n");
+              "filePath=" +
+                  Dumped(file) +
+                  "\n"
+                  "refCount=0\n"
+                  "icon=32x32\n"
+                  "smallIcon=" +
+                  small + "\n");
 }
 
 TEST(VqctoolShow, AFileWithoutIconSaysNone) {
@@ -167,8 +172,8 @@ TEST(VqctoolShow, ManyFilesEachAfterItsPathInPathOrderWithASummary) {
 TEST(VqctoolShow, JsonOfOneFileMatchesTheReaderFieldByField) {
     TempFolder folder("tool-json-one");
     const std::string file = folder.File("one.vqc");
-    WriteFileBytes(file, "-h server -N -V 5000 -l -c admin@proxy:3128 -a answer -u bob -v svc \r\n-I \"" + IconText32() +
-                             "\" -C run me");
+    WriteFileBytes(file, "-h server -N -V 5000 -l -c admin@proxy:3128 -a answer -u bob -v svc \r\n-I \"" +
+                             IconText32() + "\" -C run me");
     const ToolRun run = RunTool("show --json " + Quoted(file));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     EXPECT_EQ(run.err, "");
@@ -201,16 +206,17 @@ TEST(VqctoolShow, JsonOfAFolderWithRecursiveWalksEverySubfolderInPathOrder) {
     const ToolRun run = RunTool("show --json -r " + Quoted(tree.folder.Path()));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     const nlohmann::json parsed = nlohmann::json::parse(run.out);
-    EXPECT_EQ(Paths(parsed), (std::vector<std::string>{tree.folder.File("A.vqc"), tree.folder.File("b.vqc"),
-                                                       tree.folder.File("sub\\d.vqc"),
-                                                       tree.folder.File("sub\\deeper\\e.vqc")}));
+    EXPECT_EQ(Paths(parsed),
+              (std::vector<std::string>{tree.folder.File("A.vqc"), tree.folder.File("b.vqc"),
+                                        tree.folder.File("sub\\d.vqc"), tree.folder.File("sub\\deeper\\e.vqc")}));
     for (const auto& entry : parsed) ExpectSameAsReader(entry, entry["path"]);
     EXPECT_EQ(run.err, "4 files, 0 changed, 0 failed\n");
 }
 
 TEST(VqctoolShow, WildcardsMatchAsFindFirstFileDoes) {
     Tree tree;
-    const ToolRun run = RunTool("show --json " + Quoted(tree.folder.File("?.vqc")) + " " + Quoted(tree.folder.File("n*")));
+    const ToolRun run =
+        RunTool("show --json " + Quoted(tree.folder.File("?.vqc")) + " " + Quoted(tree.folder.File("n*")));
     EXPECT_EQ(run.exitCode, 0u) << run.err;
     const nlohmann::json parsed = nlohmann::json::parse(run.out);
     // notes.txt is named by its own pattern, so it is read whatever its name.
@@ -227,7 +233,8 @@ TEST(VqctoolShow, WildcardsWithRecursiveMatchInEverySubfolder) {
 
 TEST(VqctoolShow, APatternThatMatchesNothingFailsAndTheOthersAreShown) {
     Tree tree;
-    const ToolRun run = RunTool("show --json " + Quoted(tree.folder.File("zz*.vqc")) + " " + Quoted(tree.folder.File("b.vqc")));
+    const ToolRun run =
+        RunTool("show --json " + Quoted(tree.folder.File("zz*.vqc")) + " " + Quoted(tree.folder.File("b.vqc")));
     EXPECT_EQ(run.exitCode, 1u);
     EXPECT_EQ(Paths(nlohmann::json::parse(run.out)), std::vector<std::string>{tree.folder.File("b.vqc")});
     EXPECT_EQ(run.err, "vqctool: no file matches " + tree.folder.File("zz*.vqc") + "\n2 files, 0 changed, 1 failed\n");

@@ -28,8 +28,8 @@ Recorded* g_recorded = nullptr;
 BOOL WINAPI RecordingShow(LPOPENFILENAMEA settings) {
     Recorded& r = *g_recorded;
     ++r.calls;
-    std::memcpy(&r.settings, settings, sizeof(r.settings) < settings->lStructSize ? sizeof(r.settings)
-                                                                                   : settings->lStructSize);
+    std::memcpy(&r.settings, settings,
+                sizeof(r.settings) < settings->lStructSize ? sizeof(r.settings) : settings->lStructSize);
     r.file = settings->lpstrFile ? settings->lpstrFile : "<null>";
     for (const char* piece = settings->lpstrFilter; piece && *piece; piece += std::strlen(piece) + 1) {
         r.filter.push_back(piece);

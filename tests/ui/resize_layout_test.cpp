@@ -45,9 +45,7 @@ TEST(ResizeLayout, MoveAndSizeOnOneAxisAddTheirShares) {
     EXPECT_EQ(LaidOutRect(kControl, DLSZ_MOVE_X | DLSZ_SIZE_X, 30, 0), (ControlRect{40, 20, 170, 40}));
 }
 
-TEST(ResizeLayout, NoFlagsNeverMoves) {
-    EXPECT_EQ(LaidOutRect(kControl, 0, 300, 200), kControl);
-}
+TEST(ResizeLayout, NoFlagsNeverMoves) { EXPECT_EQ(LaidOutRect(kControl, 0, 300, 200), kControl); }
 
 TEST(ResizeLayout, ShrinkingMovesTheOtherWay) {
     EXPECT_EQ(LaidOutRect(kControl, DLSZ_SIZE_X | DLSZ_MOVE_Y, -8, -5), (ControlRect{10, 15, 102, 35}));

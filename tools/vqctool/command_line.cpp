@@ -14,6 +14,7 @@ struct CommandRow {
     std::size_t minFiles, maxFiles;  // maxFiles 0: any number
 };
 
+// clang-format off
 constexpr CommandRow kCommands[] = {
     //  command              name           json  -r     dry    force  version from   edits  files
     {Command::Show,       "show",        true,  true,  false, false, false, false, false, 1, 0},
@@ -25,6 +26,7 @@ constexpr CommandRow kCommands[] = {
     {Command::New,        "new",         false, false, false, true,  true,  false, true,  1, 1},
     {Command::Rewrite,    "rewrite",     false, false, false, false, true,  false, false, 2, 2},
 };
+// clang-format on
 
 const CommandRow* FindCommand(Command command) noexcept {
     for (const CommandRow& row : kCommands)
@@ -113,7 +115,9 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
             } else if (argument == "--client-version" && row->clientVersion) {
                 const std::string* text = value();
                 const auto number = text ? ParseNumber(*text) : std::nullopt;
-                if (!number) return Failure("--client-version needs a number" + (text ? ", not \"" + *text + "\"" : std::string()), topic);
+                if (!number)
+                    return Failure(
+                        "--client-version needs a number" + (text ? ", not \"" + *text + "\"" : std::string()), topic);
                 invocation.clientVersion = *number;
             } else if (argument == "--from" && row->iconSource) {
                 const std::string* text = value();
@@ -122,7 +126,10 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
             } else if (argument == "--index" && row->iconSource) {
                 const std::string* text = value();
                 const auto number = text ? ParseNumber(*text) : std::nullopt;
-                if (!number || *number < 0) return Failure("--index needs a number of 0 or more" + (text ? ", not \"" + *text + "\"" : std::string()), topic);
+                if (!number || *number < 0)
+                    return Failure(
+                        "--index needs a number of 0 or more" + (text ? ", not \"" + *text + "\"" : std::string()),
+                        topic);
                 invocation.iconIndex = *number;
             } else {
                 return Failure("unknown option \"" + argument + "\" for " + topic, topic);
@@ -151,7 +158,8 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     if (row->iconSource && invocation.iconSource.empty()) return Failure("icon set needs --from SOURCE", topic);
     if (invocation.files.size() < row->minFiles) return Failure(topic + " needs more files", topic);
     if (row->maxFiles && invocation.files.size() > row->maxFiles)
-        return Failure(topic + " takes " + std::to_string(row->maxFiles) + (row->maxFiles == 1 ? " file" : " files"), topic);
+        return Failure(topic + " takes " + std::to_string(row->maxFiles) + (row->maxFiles == 1 ? " file" : " files"),
+                       topic);
     ParsedCommandLine parsed;
     parsed.invocation = std::move(invocation);
     parsed.topic = topic;

@@ -12,7 +12,7 @@
 namespace vqctool {
 
 enum class Command : std::uint8_t {
-    Help,        // vqctool --help, or no arguments at all is usage
+    Help,  // vqctool --help, or no arguments at all is usage
     Version,
     Show,
     Set,
@@ -26,7 +26,7 @@ enum class Command : std::uint8_t {
 
 struct Invocation {
     Command command = Command::Help;
-    bool help = false;       // COMMAND --help
+    bool help = false;  // COMMAND --help
     bool json = false;
     bool recursive = false;  // -r: folders with their subfolders
     bool dryRun = false;

@@ -16,9 +16,7 @@ namespace {
 constexpr std::string_view kConnectionTypeName = "connection-type";
 constexpr std::string_view kLoginTypeName = "login-type";
 
-bool IsNameCharacter(char c) noexcept {
-    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-';
-}
+bool IsNameCharacter(char c) noexcept { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-'; }
 
 // The login type whose own flag is the member; none for a member that is no login flag.
 std::optional<cp::LoginType> LoginTypeOfFlag(std::uint8_t ConnectionSettings::*flag) noexcept {
@@ -110,9 +108,7 @@ std::optional<FieldEdit> ParseEdit(std::string_view argument, std::string& error
     }
     edit.field = field;
     switch (field->kind) {
-    case FieldKind::Text:
-        edit.text = ansi_text::Trimmed(value);
-        return edit;
+    case FieldKind::Text: edit.text = ansi_text::Trimmed(value); return edit;
     case FieldKind::Flag:
         if (const auto flag = ParseFlag(value)) {
             edit.flag = *flag;
@@ -146,8 +142,7 @@ std::optional<FieldEdit> ParseEdit(std::string_view argument, std::string& error
         }
         error = "field \"" + std::string(name) + "\" takes a number, not \"" + std::string(value) + "\"";
         return std::nullopt;
-    case FieldKind::UnsignedNumber:
-        break;
+    case FieldKind::UnsignedNumber: break;
     }
     error = "field \"" + std::string(name) + "\" cannot be set";
     return std::nullopt;
@@ -159,9 +154,7 @@ void ApplyEdits(ConnectionSettings& record, const std::vector<FieldEdit>& edits)
         case FieldEdit::Kind::ConnectionType:
             cp::StoreConnectionType(record, static_cast<cp::ConnectionType>(edit.number));
             break;
-        case FieldEdit::Kind::LoginType:
-            cp::StoreLoginType(record, static_cast<cp::LoginType>(edit.number));
-            break;
+        case FieldEdit::Kind::LoginType: cp::StoreLoginType(record, static_cast<cp::LoginType>(edit.number)); break;
         case FieldEdit::Kind::Field:
             switch (edit.field->kind) {
             case FieldKind::Text: record.*edit.field->text = edit.text; break;

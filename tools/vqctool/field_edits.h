@@ -21,7 +21,7 @@ struct FieldEdit {
     std::string text;                    // a text field's new value, trimmed as the pages trim edits
     std::int32_t number = 0;             // a number field's value, a route, or a type
     bool flag = false;
-    std::string argument;                // as given, for messages
+    std::string argument;  // as given, for messages
 };
 
 // Whether the argument has the form NAME=VALUE with a name of letters, digits, _ and -.

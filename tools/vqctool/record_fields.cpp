@@ -32,6 +32,7 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) noexcept {
 
 }  // namespace
 
+// clang-format off
 const RecordField kRecordFields[kRecordFieldCount] = {
     Text("answerBack", &S::answerBack),
     Text("login", &S::login),
@@ -67,6 +68,7 @@ const RecordField kRecordFields[kRecordFieldCount] = {
     Number("clientVersion", &S::clientVersion, false),
     Number("route", &S::route),
 };
+// clang-format on
 
 const RecordField* FindField(std::string_view name) noexcept {
     for (const RecordField& field : kRecordFields)

@@ -40,7 +40,8 @@ std::string ReadRecord(VQCFileInfo& record, const std::string& path) {
         return SystemErrorText(record.lastError);
     } catch (const HResultError& error) {
         std::string text;
-        ansi_text::AppendFormat(text, "the reader failed with HRESULT 0x%08lX", static_cast<unsigned long>(error.code()));
+        ansi_text::AppendFormat(text, "the reader failed with HRESULT 0x%08lX",
+                                static_cast<unsigned long>(error.code()));
         return text;
     }
 }

@@ -14,9 +14,9 @@ nlohmann::ordered_json IconJson(const std::optional<IconFormat>& icon) {
 }
 
 std::int32_t LittleEndian32(const std::vector<std::uint8_t>& bytes, std::size_t at) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(bytes[at]) | static_cast<std::uint32_t>(bytes[at + 1]) << 8 |
-                                     static_cast<std::uint32_t>(bytes[at + 2]) << 16 |
-                                     static_cast<std::uint32_t>(bytes[at + 3]) << 24);
+    return static_cast<std::int32_t>(
+        static_cast<std::uint32_t>(bytes[at]) | static_cast<std::uint32_t>(bytes[at + 1]) << 8 |
+        static_cast<std::uint32_t>(bytes[at + 2]) << 16 | static_cast<std::uint32_t>(bytes[at + 3]) << 24);
 }
 
 }  // namespace
@@ -33,8 +33,8 @@ std::optional<IconFormat> ImageBlockFormat(const std::vector<std::uint8_t>& bloc
 }
 
 nlohmann::ordered_json RecordJson(const std::string& path, const ConnectionSettings& record,
-                          const std::optional<IconFormat>& icon, const std::optional<IconFormat>& smallIcon,
-                          const TextConversion& toUtf8) {
+                                  const std::optional<IconFormat>& icon, const std::optional<IconFormat>& smallIcon,
+                                  const TextConversion& toUtf8) {
     nlohmann::ordered_json ordered;  // keeps the table's order in the text
     ordered["path"] = toUtf8(path);
     for (const RecordField& field : kRecordFields) {

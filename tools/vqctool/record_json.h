@@ -32,8 +32,8 @@ std::optional<IconFormat> ImageBlockFormat(const std::vector<std::uint8_t>& bloc
 
 // The entry of a file that was read.
 nlohmann::ordered_json RecordJson(const std::string& path, const ConnectionSettings& record,
-                          const std::optional<IconFormat>& icon, const std::optional<IconFormat>& smallIcon,
-                          const TextConversion& toUtf8);
+                                  const std::optional<IconFormat>& icon, const std::optional<IconFormat>& smallIcon,
+                                  const TextConversion& toUtf8);
 
 // The entry of a file that could not be read: its path and the reason.
 nlohmann::ordered_json ErrorJson(const std::string& path, const std::string& error, const TextConversion& toUtf8);

@@ -23,8 +23,8 @@ bool ReadWhole(const std::string& path, std::string& bytes) {
 bool SameContent(const std::string& a, const std::string& b) {
     WIN32_FILE_ATTRIBUTE_DATA first{}, second{};
     if (!GetFileAttributesExA(a.c_str(), GetFileExInfoStandard, &first) ||
-        !GetFileAttributesExA(b.c_str(), GetFileExInfoStandard, &second) ||
-        first.nFileSizeLow != second.nFileSizeLow || first.nFileSizeHigh != second.nFileSizeHigh)
+        !GetFileAttributesExA(b.c_str(), GetFileExInfoStandard, &second) || first.nFileSizeLow != second.nFileSizeLow ||
+        first.nFileSizeHigh != second.nFileSizeHigh)
         return false;
     std::string firstBytes, secondBytes;
     return ReadWhole(a, firstBytes) && ReadWhole(b, secondBytes) && firstBytes == secondBytes;

@@ -29,7 +29,9 @@ bool IsRouteField(const RecordField& field) noexcept {
 constexpr std::string_view kReadLetters = "-FfIiKLMNRSsVacdhluv";
 constexpr std::string_view kLettersWithValue = "FfISVachuv";
 
-bool IsCommandLineOption(const std::string& element) noexcept { return element.size() > 1 && element[0] == '-' && element[1] == 'C'; }
+bool IsCommandLineOption(const std::string& element) noexcept {
+    return element.size() > 1 && element[0] == '-' && element[1] == 'C';
+}
 
 // The option elements before -C, without the values of the options that take one.
 std::vector<std::string> OptionElements(const std::vector<std::string>& arguments) {
@@ -47,7 +49,8 @@ std::vector<std::string> OptionElements(const std::vector<std::string>& argument
 // The elements after -C (empty when there is none).
 std::vector<std::string> CommandArguments(const std::vector<std::string>& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i)
-        if (IsCommandLineOption(arguments[i])) return {arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1, arguments.end()};
+        if (IsCommandLineOption(arguments[i]))
+            return {arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1, arguments.end()};
     return {};
 }
 
@@ -67,8 +70,7 @@ std::string ReasonFor(const RecordField& field, const ConnectionSettings& before
     using S = ConnectionSettings;
     const std::int32_t version = before.clientVersion;
     if (field.flag == &S::optionT) return "-T is written but never read back";
-    if (field.flag == &S::encrypt &&
-        (version < cp::kEncryptionFromVersion || version == cp::kEncryptionMissingVersion))
+    if (field.flag == &S::encrypt && (version < cp::kEncryptionFromVersion || version == cp::kEncryptionMissingVersion))
         return Version(version) + " cannot take -l";
     if (IsRouteField(field) && version < kFirstClientWithRoutes)
         return Version(version) + " takes no proxy or broker (-c, -f)";
@@ -83,8 +85,8 @@ std::vector<CheckFinding> CompareRewrite(const ConnectionSettings& before, const
     std::vector<CheckFinding> findings;
     for (const RecordField& field : kRecordFields) {
         if (!field.settable || SameFieldValue(field, before, after)) continue;
-        findings.push_back({field.name, FieldValueText(field, before), FieldValueText(field, after),
-                            ReasonFor(field, before)});
+        findings.push_back(
+            {field.name, FieldValueText(field, before), FieldValueText(field, after), ReasonFor(field, before)});
     }
     return findings;
 }
@@ -123,13 +125,15 @@ std::vector<CheckFinding> UnofferedSettings(const ConnectionSettings& record) {
     const cp::LoginType login = cp::LoginTypeOf(record);
     const std::vector<cp::LoginType> logins = cp::OfferedLoginTypes(&record, [] { return true; });
     if (std::find(logins.begin(), logins.end(), login) == logins.end())
-        findings.push_back({"login-type", LoginTypeText(login), "", Version(version) + " is not offered this login type"});
+        findings.push_back(
+            {"login-type", LoginTypeText(login), "", Version(version) + " is not offered this login type"});
     if (connection == cp::ConnectionType::Remote && version >= kFirstClientWithRoutes) {
         for (const RouteEntry& entry : kRouteEntries) {
             const bool used = entry.route == record.route &&
                               !(entry.route == kRouteBroker ? record.brokerHost : record.proxyHost).empty();
             if (used && entry.route != kRouteDirect && !IsRouteEntryOffered(entry, &record))
-                findings.push_back({"routeName", RouteText(entry.route), "", Version(version) + " is not offered this route"});
+                findings.push_back(
+                    {"routeName", RouteText(entry.route), "", Version(version) + " is not offered this route"});
         }
     }
     return findings;
@@ -138,7 +142,8 @@ std::vector<CheckFinding> UnofferedSettings(const ConnectionSettings& record) {
 std::string FindingText(const CheckFinding& finding) {
     const bool setting = finding.field == "connection-type" || finding.field == "login-type" ||
                          finding.field == "routeName" || finding.field.rfind("option ", 0) == 0;
-    return finding.field + ": " + finding.before + (setting ? "" : " -> " + finding.after) + " (" + finding.reason + ")";
+    return finding.field + ": " + finding.before + (setting ? "" : " -> " + finding.after) + " (" + finding.reason +
+           ")";
 }
 
 }  // namespace vqctool

@@ -3,8 +3,8 @@
 namespace vqctool {
 
 std::string SummaryLine(const RunCounts& counts) {
-    return std::to_string(counts.files) + (counts.files == 1 ? " file, " : " files, ") + std::to_string(counts.changed) +
-           " changed, " + std::to_string(counts.failed) + " failed";
+    return std::to_string(counts.files) + (counts.files == 1 ? " file, " : " files, ") +
+           std::to_string(counts.changed) + " changed, " + std::to_string(counts.failed) + " failed";
 }
 
 std::string ProgressLine(std::size_t done, std::size_t total) {

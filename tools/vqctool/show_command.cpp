@@ -50,10 +50,9 @@ int RunShow(const Invocation& invocation) {
         record.clientVersion = client.version;
         const std::string error = ReadRecord(record, path);
         if (invocation.json) {
-            const auto entry = error.empty()
-                                   ? RecordJson(path, record, IconFormatOf(record.icon),
-                                                IconFormatOf(record.smallIcon), AnsiToUtf8)
-                                   : ErrorJson(path, error, AnsiToUtf8);
+            const auto entry = error.empty() ? RecordJson(path, record, IconFormatOf(record.icon),
+                                                          IconFormatOf(record.smallIcon), AnsiToUtf8)
+                                             : ErrorJson(path, error, AnsiToUtf8);
             std::fputs(first ? "\n" : ",\n", stdout);
             std::fputs(JsonText(entry).c_str(), stdout);
         } else {

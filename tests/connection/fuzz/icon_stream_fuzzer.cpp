@@ -23,8 +23,7 @@ struct Checked : IconImageSink {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Checked sink;
-    const std::int32_t result =
-        ParseIconStream(std::string_view(reinterpret_cast<const char*>(data), size), sink);
+    const std::int32_t result = ParseIconStream(std::string_view(reinterpret_cast<const char*>(data), size), sink);
     if (result != 0 && result != 1) std::abort();
     if (result == 0 && sink.taken != 0) std::abort();
     return 0;

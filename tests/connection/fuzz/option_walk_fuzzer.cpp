@@ -77,8 +77,7 @@ VQC_NOT_FUZZED void EndArgument(std::vector<char>& buffer, std::size_t& start, s
 // arguments go one after another into one buffer, each ending in its zero byte and then at
 // least one poisoned byte up to the next 8-byte boundary, so a read past an argument's end
 // is reported as it would be if every argument had a block of its own.
-VQC_NOT_FUZZED void SplitRoughly(std::string_view line, std::vector<char>& buffer,
-                                 std::vector<const char*>& argv) {
+VQC_NOT_FUZZED void SplitRoughly(std::string_view line, std::vector<char>& buffer, std::vector<const char*>& argv) {
     static std::vector<std::size_t> starts;
     ASAN_UNPOISON_MEMORY_REGION(buffer.data(), buffer.size());
     const std::size_t most = line.size() * 10 + 16;  // every byte an argument of its own

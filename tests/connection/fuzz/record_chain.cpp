@@ -46,9 +46,9 @@ VQC_NOT_FUZZED bool WriterCanCarryEveryValue(const ConnectionSettings& r) {
     if (r.proxyPort != kDefaultProxyPort) proxy += ":" + std::to_string(r.proxyPort);
     std::string broker = r.brokerHost;
     if (r.brokerPort != kDefaultBrokerPort) broker += ":" + std::to_string(r.brokerPort);
-    for (const std::string* value : {&r.host, &r.login, &r.serviceName, &r.answerBack, &r.startDirectory,
-                                     &r.localTarget, static_cast<const std::string*>(&proxy),
-                                     static_cast<const std::string*>(&broker)})
+    for (const std::string* value :
+         {&r.host, &r.login, &r.serviceName, &r.answerBack, &r.startDirectory, &r.localTarget,
+          static_cast<const std::string*>(&proxy), static_cast<const std::string*>(&broker)})
         if (!WriterCanCarry(*value)) return false;
     return true;
 }
@@ -86,8 +86,7 @@ VQC_NOT_FUZZED ConnectionSettings AsReadBack(const ConnectionSettings& written, 
         if (written.login.empty()) expected.login = user;
     }
     const std::int32_t defaultPort = written.encrypt ? kDefaultEncryptedServicePort : kDefaultServicePort;
-    if (written.serviceName.empty() || written.servicePort == defaultPort)
-        expected.servicePort = kServicePortNotGiven;
+    if (written.serviceName.empty() || written.servicePort == defaultPort) expected.servicePort = kServicePortNotGiven;
     const std::int32_t v = written.clientVersion;
     if (v < 620 || v == 640) expected.encrypt = 0;
     return expected;
