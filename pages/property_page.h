@@ -61,7 +61,8 @@
 #include "runtime/module_runtime.h"
 
 // The page description as the shell's comctl32 reads it in full: 104 bytes on 64-bit
-// Windows. MinGW's PROPSHEETPAGEA ends before the header bitmap, so it is completed here.
+// Windows, 56 on 32-bit. MinGW's PROPSHEETPAGEA ends before the header bitmap, so it is
+// completed here.
 struct PropertySheetPageDescription {
     PROPSHEETPAGEA page;
     union {
@@ -69,7 +70,7 @@ struct PropertySheetPageDescription {
         LPCSTR pszbmHeader;
     };
 };
-static_assert(sizeof(PropertySheetPageDescription) == 104, "the full 64-bit PROPSHEETPAGEA");
+static_assert(sizeof(PropertySheetPageDescription) == (sizeof(void*) == 8 ? 104 : 56), "the full PROPSHEETPAGEA");
 
 template <typename T>
 class CVQCPropertyPageImpl {
@@ -85,7 +86,7 @@ public:
         if (m_window) UnbindPageObject(m_window);
     }
 
-    // The description handed to CreatePropertySheetPageA: size 104, PSP_DLGINDIRECT |
+    // The description handed to CreatePropertySheetPageA: its full size, PSP_DLGINDIRECT |
     // PSP_USECALLBACK | PSP_USEREFPARENT (plus PSP_USETITLE with a title), the module's
     // instance, this page's template, the start-up procedure, the page callback, the page
     // object as lParam, and the module's lock count as reference parent.
