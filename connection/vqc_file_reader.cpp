@@ -77,14 +77,14 @@ std::int32_t VQCFileInfo::ReadMapped(const char* path, bool withCommandText) {
     {
         MappedFile file;
         const bool opened = file.Open(path, MapAccess::ReadOnly);
-        if (file.size() == 0) {
-            lastError = opened ? GetLastError() : file.error();
+        if (file.Size() == 0) {
+            lastError = opened ? GetLastError() : file.Error();
             return 1;
         }
-        if (!file.view() || file.size() > kLargestReadableFile) throw HResultError(kResultInvalidArg);
+        if (!file.View() || file.Size() > kLargestReadableFile) throw HResultError(kResultInvalidArg);
         // The joined line is copied straight out of the view: a copy of the file's bytes of
         // their own first would double what a large file costs in fresh memory.
-        const std::string_view bytes(static_cast<const char*>(file.view()), file.size());
+        const std::string_view bytes(static_cast<const char*>(file.View()), file.Size());
         if (withCommandText) {
             BuildArgumentVector(bytes, &argc, &argv, true, nullptr, nullptr, nullptr);
         } else {

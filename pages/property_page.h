@@ -268,7 +268,7 @@ private:
             if (m_record->Write(m_record->filePath.c_str()) != 0) error = m_record->lastError;
         } catch (const HResultError& failure) {
             // No memory for the file's text: as much a failed save as a full disk.
-            error = static_cast<DWORD>(failure.code());
+            error = static_cast<DWORD>(failure.Code());
         }
         if (error != ERROR_SUCCESS) {
             ReportSaveFailure(GetParent(m_window), m_record->filePath, error);

@@ -41,7 +41,7 @@ std::string ReadRecord(VQCFileInfo& record, const std::string& path) {
     } catch (const HResultError& error) {
         std::string text;
         ansi_text::AppendFormat(text, "the reader failed with HRESULT 0x%08lX",
-                                static_cast<unsigned long>(error.code()));
+                                static_cast<unsigned long>(error.Code()));
         return text;
     }
 }
