@@ -36,6 +36,18 @@ private:
     std::deque<std::string> texts_;  // a deque keeps every text where it was
 };
 
+// Running out of memory for a text surfaces as the HRESULT the COM boundary hands on.
+template <typename Read>
+std::int32_t WithHResultErrors(Read read) {
+    try {
+        return read();
+    } catch (const std::bad_alloc&) {
+        throw HResultError(kResultOutOfMemory);
+    } catch (const std::length_error&) {
+        throw HResultError(kResultInvalidArg);
+    }
+}
+
 }  // namespace
 
 void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
@@ -50,24 +62,11 @@ void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
 }
 
 std::int32_t VQCFileInfo::Read(const char* path) {
-    // Running out of memory for a text surfaces as the HRESULT the COM boundary hands on.
-    try {
-        return ReadMapped(path, true);
-    } catch (const std::bad_alloc&) {
-        throw HResultError(kResultOutOfMemory);
-    } catch (const std::length_error&) {
-        throw HResultError(kResultInvalidArg);
-    }
+    return WithHResultErrors([&] { return ReadMapped(path, true); });
 }
 
 std::int32_t VQCFileInfo::ReadForIcon(const char* path) {
-    try {
-        return ReadMapped(path, false);
-    } catch (const std::bad_alloc&) {
-        throw HResultError(kResultOutOfMemory);
-    } catch (const std::length_error&) {
-        throw HResultError(kResultInvalidArg);
-    }
+    return WithHResultErrors([&] { return ReadMapped(path, false); });
 }
 
 std::int32_t VQCFileInfo::ReadMapped(const char* path, bool withCommandText) {
