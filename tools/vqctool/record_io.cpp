@@ -46,6 +46,13 @@ std::string ReadRecord(VQCFileInfo& record, const std::string& path) {
     }
 }
 
+bool ReadRecordOrReport(VQCFileInfo& record, const std::string& path) {
+    const std::string error = ReadRecord(record, path);
+    if (error.empty()) return true;
+    ReportFailure("cannot read", path, error);
+    return false;
+}
+
 std::optional<IconFormat> IconFormatOf(HICON icon) {
     if (!icon) return std::nullopt;
     ICONINFO info{};
@@ -96,6 +103,12 @@ std::string AnsiToUtf8(std::string_view text) {
 
 void ReportFailure(const char* what, const std::string& path, const std::string& reason) {
     std::fprintf(stderr, "vqctool: %s %s: %s\n", what, path.c_str(), reason.c_str());
+}
+
+bool WriteSucceededOrReport(DWORD error, const std::string& path) {
+    if (error == ERROR_SUCCESS) return true;
+    ReportFailure("cannot write", path, SystemErrorText(error));
+    return false;
 }
 
 }  // namespace vqctool
