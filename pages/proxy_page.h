@@ -8,11 +8,12 @@
 
 #include "pages/property_page.h"
 #include "pages/proxy_page_rules.h"
+#include "resources/dialog_ids.h"
 #include "ui/resize_layout.h"
 
 class CVQCProxyPage final : public CVQCPropertyPageImpl<CVQCProxyPage> {
 public:
-    static constexpr int kTemplateIndex = 2;
+    static constexpr int kTemplateIndex = dialog_ids::kProxyPageTemplate;
     static constexpr std::uint32_t kTitleStringId = 48;
 
     // record may be null (the page then shows its controls and changes nothing); title is

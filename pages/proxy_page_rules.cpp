@@ -3,6 +3,9 @@
 #include <limits>
 
 #include "common/ansi_text.h"
+#include "resources/dialog_ids.h"
+
+using namespace dialog_ids;
 
 namespace {
 

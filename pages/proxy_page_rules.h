@@ -9,22 +9,6 @@
 
 #include "connection/connection_settings.h"
 
-// Control ids of the Proxy page's template.
-enum ProxyPageControl : int {
-    kProxyRouteList = 1002,
-    kProxyHostLabel = 1025,
-    kProxyHostEdit = 1026,
-    kProxyPortLabel = 1027,
-    kProxyPortEdit = 1028,
-    kProxyUserLabel = 1029,
-    kProxyUserEdit = 1030,
-    kBrokerHostLabel = 1031,
-    kBrokerHostEdit = 1032,
-    kBrokerPortLabel = 1033,
-    kBrokerPortEdit = 1034,
-    kDialUpCheckBox = 1035,
-};
-
 // Layout masks: which group a route shows.
 constexpr std::uint32_t kDirectLayout = 1;
 constexpr std::uint32_t kProxyLayout = 2;

@@ -42,7 +42,7 @@ struct DialogDesc {
     const ControlDesc* const* controls;  // null-terminated, in tab order
 };
 
-// Template indices 1 Connection page, 2 Proxy page, 3 Options page, 4 Connection Details.
+// Indexed by template index less one (dialog_ids.h names the four).
 constexpr int kDialogCount = 4;
 extern const DialogDesc* const g_dialogDescs[kDialogCount];
 
