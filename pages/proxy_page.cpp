@@ -6,6 +6,7 @@
 #include "resources/local_string_cache.h"
 
 using namespace dialog_ids;
+using namespace proxy_page;
 
 CVQCProxyPage::CVQCProxyPage(VQCFileInfo* record, const char* title)
     : CVQCPropertyPageImpl(record, kTemplateIndex, title) {}

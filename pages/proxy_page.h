@@ -40,7 +40,7 @@ private:
     HWND m_brokerHostEdit = nullptr;
     HWND m_brokerPortEdit = nullptr;
     HWND m_dialUpCheckBox = nullptr;
-    RouteListIndices m_routeIndices;
+    proxy_page::RouteListIndices m_routeIndices;
     // Set while WM_INITDIALOG puts the record's values into the edits: the edit-change
     // notifications that setting a text sends are not the user's edits.
     bool m_filling = false;

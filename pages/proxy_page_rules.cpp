@@ -7,6 +7,8 @@
 
 using namespace dialog_ids;
 
+namespace proxy_page {
+
 namespace {
 
 constexpr std::int32_t kEveryVersionFrom = std::numeric_limits<std::int32_t>::min();
@@ -146,3 +148,5 @@ void StoreDialUpCheck(ConnectionSettings& record, bool checked) noexcept {
     record.brokerUpperF = checked ? 1 : 0;
     record.modified = 1;
 }
+
+}  // namespace proxy_page

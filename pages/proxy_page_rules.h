@@ -9,6 +9,8 @@
 
 #include "connection/connection_settings.h"
 
+namespace proxy_page {
+
 // Layout masks: which group a route shows.
 constexpr std::uint32_t kDirectLayout = 1;
 constexpr std::uint32_t kProxyLayout = 2;
@@ -110,3 +112,5 @@ void StoreRouteSelection(ConnectionSettings& record, int selection, const RouteL
 void StoreEditedText(ConnectionSettings& record, const TextEditRow& row, std::string_view text);
 void StoreEditedPort(ConnectionSettings& record, const PortEditRow& row, std::string_view text) noexcept;
 void StoreDialUpCheck(ConnectionSettings& record, bool checked) noexcept;
+
+}  // namespace proxy_page

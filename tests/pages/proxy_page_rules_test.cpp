@@ -12,6 +12,7 @@
 #include "resources/local_strings.h"
 
 using namespace dialog_ids;
+using namespace proxy_page;
 
 namespace {
 

@@ -10,6 +10,7 @@
 namespace vqctool {
 
 namespace cp = connection_page;
+namespace pp = proxy_page;
 
 namespace {
 
@@ -34,7 +35,7 @@ std::optional<cp::ConnectionType> ConnectionTypeOfFlag(std::uint8_t ConnectionSe
 // What an empty port edit stores on the pages.
 std::optional<std::int32_t> EmptyPortValue(std::int32_t ConnectionSettings::*member) noexcept {
     if (member == &ConnectionSettings::servicePort) return kServicePortNotGiven;
-    for (const PortEditRow& row : kProxyPortEdits)
+    for (const pp::PortEditRow& row : pp::kProxyPortEdits)
         if (row.field == member) return row.emptyValue;
     return std::nullopt;
 }

@@ -9,6 +9,7 @@
 namespace vqctool {
 
 namespace cp = connection_page;
+namespace pp = proxy_page;
 
 namespace {
 
@@ -28,13 +29,13 @@ bool SameName(std::string_view a, std::string_view b) noexcept {
     return true;
 }
 
-constexpr std::array<const char*, kRouteEntryCount> kRouteKeywords = {"direct", "proxy", "broker"};
+constexpr std::array<const char*, pp::kRouteEntryCount> kRouteKeywords = {"direct", "proxy", "broker"};
 constexpr std::array<const char*, cp::kConnectionTypeCount> kConnectionKeywords = {"remote", "local", "discovery"};
 constexpr std::array<const char*, cp::kLoginTypeCount> kLoginKeywords = {
     "password", "cache-password", "text-window", "nt-domain", "nt-no-logon", "windows-domain"};
 
-const RouteEntry* RouteEntryOf(std::int32_t route) noexcept {
-    for (const RouteEntry& entry : kRouteEntries)
+const pp::RouteEntry* RouteEntryOf(std::int32_t route) noexcept {
+    for (const pp::RouteEntry& entry : pp::kRouteEntries)
         if (entry.route == route) return &entry;
     return nullptr;
 }
@@ -52,12 +53,12 @@ std::string NameList(const Keywords& keywords, TextOf textOf) {
 }  // namespace
 
 std::string RouteText(std::int32_t route) {
-    const RouteEntry* entry = RouteEntryOf(route);
+    const pp::RouteEntry* entry = RouteEntryOf(route);
     return entry ? EnglishText(entry->textId) : std::string();
 }
 
 std::string ShownRouteText(const ConnectionSettings& record) {
-    return EnglishText(kRouteEntries[InitialRouteEntry(&record)].textId);
+    return EnglishText(pp::kRouteEntries[pp::InitialRouteEntry(&record)].textId);
 }
 
 std::string ConnectionTypeText(cp::ConnectionType type) { return EnglishText(cp::EntryOf(type).textId); }
@@ -65,8 +66,8 @@ std::string ConnectionTypeText(cp::ConnectionType type) { return EnglishText(cp:
 std::string LoginTypeText(cp::LoginType type) { return EnglishText(cp::EntryOf(type).textId); }
 
 const char* RouteKeyword(std::int32_t route) noexcept {
-    for (int i = 0; i < kRouteEntryCount; ++i)
-        if (kRouteEntries[i].route == route) return kRouteKeywords[static_cast<std::size_t>(i)];
+    for (int i = 0; i < pp::kRouteEntryCount; ++i)
+        if (pp::kRouteEntries[i].route == route) return kRouteKeywords[static_cast<std::size_t>(i)];
     return "";
 }
 
@@ -77,10 +78,10 @@ const char* ConnectionTypeKeyword(cp::ConnectionType type) noexcept {
 const char* LoginTypeKeyword(cp::LoginType type) noexcept { return kLoginKeywords[static_cast<std::size_t>(type)]; }
 
 std::optional<std::int32_t> RouteByName(std::string_view name) {
-    for (int i = 0; i < kRouteEntryCount; ++i)
+    for (int i = 0; i < pp::kRouteEntryCount; ++i)
         if (SameName(name, kRouteKeywords[static_cast<std::size_t>(i)]) ||
-            SameName(name, EnglishText(kRouteEntries[i].textId)))
-            return kRouteEntries[i].route;
+            SameName(name, EnglishText(pp::kRouteEntries[i].textId)))
+            return pp::kRouteEntries[i].route;
     return std::nullopt;
 }
 
@@ -99,7 +100,7 @@ std::optional<cp::LoginType> LoginTypeByName(std::string_view name) {
 }
 
 std::string RouteNames() {
-    return NameList(kRouteKeywords, [](std::size_t i) { return EnglishText(kRouteEntries[i].textId); });
+    return NameList(kRouteKeywords, [](std::size_t i) { return EnglishText(pp::kRouteEntries[i].textId); });
 }
 
 std::string ConnectionTypeNames() {
