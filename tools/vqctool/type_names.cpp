@@ -1,8 +1,8 @@
 #include "tools/vqctool/type_names.h"
 
 #include <array>
-#include <cctype>
 
+#include "common/ansi_text.h"
 #include "pages/proxy_page_rules.h"
 #include "resources/local_strings.h"
 
@@ -19,14 +19,6 @@ std::string EnglishText(std::uint32_t id) {
     if (const char16_t* wide = LocalStringText(id, kEnglishUK))
         for (; *wide; ++wide) text.push_back(*wide < 0x80 ? static_cast<char>(*wide) : '?');
     return text;
-}
-
-bool SameName(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
 }
 
 constexpr std::array<const char*, pp::kRouteEntryCount> kRouteKeywords = {"direct", "proxy", "broker"};
@@ -79,22 +71,24 @@ const char* LoginTypeKeyword(cp::LoginType type) noexcept { return kLoginKeyword
 
 std::optional<std::int32_t> RouteByName(std::string_view name) {
     for (int i = 0; i < pp::kRouteEntryCount; ++i)
-        if (SameName(name, kRouteKeywords[static_cast<std::size_t>(i)]) ||
-            SameName(name, EnglishText(pp::kRouteEntries[i].textId)))
+        if (ansi_text::EqualsIgnoringCase(name, kRouteKeywords[static_cast<std::size_t>(i)]) ||
+            ansi_text::EqualsIgnoringCase(name, EnglishText(pp::kRouteEntries[i].textId)))
             return pp::kRouteEntries[i].route;
     return std::nullopt;
 }
 
 std::optional<cp::ConnectionType> ConnectionTypeByName(std::string_view name) {
     for (const cp::ConnectionTypeEntry& entry : cp::kConnectionTypes)
-        if (SameName(name, ConnectionTypeKeyword(entry.type)) || SameName(name, EnglishText(entry.textId)))
+        if (ansi_text::EqualsIgnoringCase(name, ConnectionTypeKeyword(entry.type)) ||
+            ansi_text::EqualsIgnoringCase(name, EnglishText(entry.textId)))
             return entry.type;
     return std::nullopt;
 }
 
 std::optional<cp::LoginType> LoginTypeByName(std::string_view name) {
     for (const cp::LoginTypeEntry& entry : cp::kLoginTypes)
-        if (SameName(name, LoginTypeKeyword(entry.type)) || SameName(name, EnglishText(entry.textId)))
+        if (ansi_text::EqualsIgnoringCase(name, LoginTypeKeyword(entry.type)) ||
+            ansi_text::EqualsIgnoringCase(name, EnglishText(entry.textId)))
             return entry.type;
     return std::nullopt;
 }
