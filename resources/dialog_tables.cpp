@@ -140,19 +140,18 @@ constexpr std::uint32_t kControlParent = 0x10000;    // WS_EX_CONTROLPARENT
 constexpr const char16_t* kShellDialogFace = u"MS Shell Dlg";
 
 // clang-format off
-constexpr DialogDesc kConnectionPage{kConnectionPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<176>,
-                                     &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+constexpr DialogDesc kConnectionPage{{kConnectionPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<176>,
+                                      &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr},
                                      8, kShellDialogFace, ControlList<kConnection>()};
-constexpr DialogDesc kProxyPage{kProxyPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
-                                &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+constexpr DialogDesc kProxyPage{{kProxyPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
+                                 &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr},
                                 8, kShellDialogFace, ControlList<kProxy>()};
-constexpr DialogDesc kOptionsPage{kOptionsPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
-                                  &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+constexpr DialogDesc kOptionsPage{{kOptionsPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
+                                   &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr},
                                   8, kShellDialogFace, ControlList<kOptions>()};
-constexpr DialogDesc kConnectionDetailsDialog{kConnectionDetailsTemplate, &kAll<0>, &kAll<0>, &kAll<320>, &kAll<140>,
-                                              &kAll<kDetailsStyle>, &kAll<kControlParent>, nullptr,
-                                              LocalTexts(41), 8, kShellDialogFace,
-                                              ControlList<kConnectionDetails>()};
+constexpr DialogDesc kConnectionDetailsDialog{{kConnectionDetailsTemplate, &kAll<0>, &kAll<0>, &kAll<320>, &kAll<140>,
+                                               &kAll<kDetailsStyle>, &kAll<kControlParent>, nullptr, LocalTexts(41)},
+                                              8, kShellDialogFace, ControlList<kConnectionDetails>()};
 // clang-format on
 
 }  // namespace
