@@ -32,6 +32,12 @@ const pp::RouteEntry* RouteEntryOf(std::int32_t route) noexcept {
     return nullptr;
 }
 
+// A name on the command line stands for a list's entry when it is the entry's keyword or the
+// entry's English text, in either case.
+bool NamesEntry(std::string_view name, std::string_view keyword, std::uint32_t textId) {
+    return ansi_text::EqualsIgnoringCase(name, keyword) || ansi_text::EqualsIgnoringCase(name, EnglishText(textId));
+}
+
 template <typename Keywords, typename TextOf>
 std::string NameList(const Keywords& keywords, TextOf textOf) {
     std::string list;
@@ -71,25 +77,20 @@ const char* LoginTypeKeyword(cp::LoginType type) noexcept { return kLoginKeyword
 
 std::optional<std::int32_t> RouteByName(std::string_view name) {
     for (int i = 0; i < pp::kRouteEntryCount; ++i)
-        if (ansi_text::EqualsIgnoringCase(name, kRouteKeywords[static_cast<std::size_t>(i)]) ||
-            ansi_text::EqualsIgnoringCase(name, EnglishText(pp::kRouteEntries[i].textId)))
+        if (NamesEntry(name, kRouteKeywords[static_cast<std::size_t>(i)], pp::kRouteEntries[i].textId))
             return pp::kRouteEntries[i].route;
     return std::nullopt;
 }
 
 std::optional<cp::ConnectionType> ConnectionTypeByName(std::string_view name) {
     for (const cp::ConnectionTypeEntry& entry : cp::kConnectionTypes)
-        if (ansi_text::EqualsIgnoringCase(name, ConnectionTypeKeyword(entry.type)) ||
-            ansi_text::EqualsIgnoringCase(name, EnglishText(entry.textId)))
-            return entry.type;
+        if (NamesEntry(name, ConnectionTypeKeyword(entry.type), entry.textId)) return entry.type;
     return std::nullopt;
 }
 
 std::optional<cp::LoginType> LoginTypeByName(std::string_view name) {
     for (const cp::LoginTypeEntry& entry : cp::kLoginTypes)
-        if (ansi_text::EqualsIgnoringCase(name, LoginTypeKeyword(entry.type)) ||
-            ansi_text::EqualsIgnoringCase(name, EnglishText(entry.textId)))
-            return entry.type;
+        if (NamesEntry(name, LoginTypeKeyword(entry.type), entry.textId)) return entry.type;
     return std::nullopt;
 }
 
