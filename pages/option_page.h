@@ -23,8 +23,7 @@ public:
     static constexpr std::uint32_t kFilterStringId = 40;       // the browse dialog's filter list
     static constexpr DWORD kBrowseFlags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY;
 
-    // record may be null (the page then shows its controls and changes nothing); title is
-    // the tab's text or null. Reads the desktop's icon size.
+    // Reads the desktop's icon size.
     CVQCOptionPage(VQCFileInfo* record, const char* title);
     ~CVQCOptionPage() override;
 

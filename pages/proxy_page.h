@@ -16,8 +16,6 @@ public:
     static constexpr int kTemplateIndex = dialog_ids::kProxyPageTemplate;
     static constexpr std::uint32_t kTitleStringId = 48;
 
-    // record may be null (the page then shows its controls and changes nothing); title is
-    // the tab's text or null.
     CVQCProxyPage(VQCFileInfo* record, const char* title);
 
     static const ResizeMapEntry* ResizeMap() noexcept;
