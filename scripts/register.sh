@@ -12,14 +12,13 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 source "$ROOT/scripts/lib/packages.sh"
 source "$ROOT/scripts/lib/wine-env.sh"
+source "$ROOT/scripts/lib/build.sh"
 
 unregister=""
 if [ "${1:-}" = "-u" ] || [ "${1:-}" = "/u" ]; then unregister="/u"; fi
 
 install_missing_packages
-cmake -S "$ROOT" -B "$BUILD_DIR/windows" -G Ninja \
-  -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+configure_tree windows "$BUILD_DIR/windows"
 cmake --build "$BUILD_DIR/windows" --target vqcprop64
 
 start_test_display
