@@ -21,12 +21,12 @@ install_missing_packages
 configure_tree windows "$BUILD_DIR/windows"
 cmake --build "$BUILD_DIR/windows" --target vqcprop64
 
+# Leave a wineserver that the tests keep running alone; only the display is ours to stop
+# (start_test_display registers that).
 start_test_display
-# Leave a wineserver that the tests keep running alone; only the display is ours to stop.
-trap 'kill "$VQC_XVFB_PID" 2>/dev/null || true' EXIT
 prepare_wine_prefix "$BUILD_DIR/windows/wineprefix"
 
-dll="Z:$(echo "$BUILD_DIR/windows/shellext/vqcprop64.dll" | tr / '\\')"
+dll=$(windows_path "$BUILD_DIR/windows/shellext/vqcprop64.dll")
 echo "regsvr32 $unregister $dll"
 status=0
 "$WINE_LOADER" regsvr32 /s $unregister "$dll" || status=$?
