@@ -62,8 +62,9 @@ declare -A TARGET=(
 )
 ORDER=(icon-typical icon-none icon-100kb properties load cold-start read-typical read-1mb)
 
+source "$ROOT/scripts/lib/on-exit.sh"
 rows=$(mktemp "${TMPDIR:-/tmp}/vqc-bench.XXXXXX")
-trap 'rm -f "$rows"; declare -F _vqc_cleanup >/dev/null && _vqc_cleanup' EXIT
+on_exit rm -f "$rows"
 
 status=0
 run() {

@@ -55,6 +55,7 @@ source "$ROOT/scripts/lib/packages.sh"
 source "$ROOT/scripts/lib/wine-env.sh"
 source "$ROOT/scripts/lib/project-prefix.sh"
 source "$ROOT/scripts/lib/association.sh"
+source "$ROOT/scripts/lib/build.sh"
 source "$ROOT/scripts/lib/shell-extension.sh"
 
 install_missing_packages

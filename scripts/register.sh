@@ -12,22 +12,21 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 source "$ROOT/scripts/lib/packages.sh"
 source "$ROOT/scripts/lib/wine-env.sh"
+source "$ROOT/scripts/lib/build.sh"
 
 unregister=""
 if [ "${1:-}" = "-u" ] || [ "${1:-}" = "/u" ]; then unregister="/u"; fi
 
 install_missing_packages
-cmake -S "$ROOT" -B "$BUILD_DIR/windows" -G Ninja \
-  -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+configure_tree windows "$BUILD_DIR/windows"
 cmake --build "$BUILD_DIR/windows" --target vqcprop64
 
+# Leave a wineserver that the tests keep running alone; only the display is ours to stop
+# (start_test_display registers that).
 start_test_display
-# Leave a wineserver that the tests keep running alone; only the display is ours to stop.
-trap 'kill "$VQC_XVFB_PID" 2>/dev/null || true' EXIT
 prepare_wine_prefix "$BUILD_DIR/windows/wineprefix"
 
-dll="Z:$(echo "$BUILD_DIR/windows/shellext/vqcprop64.dll" | tr / '\\')"
+dll=$(windows_path "$BUILD_DIR/windows/shellext/vqcprop64.dll")
 echo "regsvr32 $unregister $dll"
 status=0
 "$WINE_LOADER" regsvr32 /s $unregister "$dll" || status=$?

@@ -1,16 +1,22 @@
 # The two builds of the tree: the Windows build (MinGW-w64, tests under Wine) and the native
-# build of the portable cores (clang with ASan, UBSan and the libFuzzer targets).
+# build of the portable cores (clang with ASan, UBSan and the libFuzzer targets). Each is
+# configured by its preset in CMakePresets.json; the scripts only say where the tree goes.
+
+# configure_tree PRESET TREE [-DNAME=VALUE...]: configures TREE with PRESET. TREE is the
+# preset's own folder (build/NAME) unless BUILD_DIR puts the builds elsewhere.
+configure_tree() {
+  local preset="$1" tree="$2"
+  shift 2
+  cmake -S "$ROOT" --preset "$preset" -B "$tree" "$@" >/dev/null
+}
+
 build_native() {
-  cmake -S "$ROOT" -B "$BUILD_DIR/native" -G Ninja \
-    -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_WARNINGS_AS_ERRORS=ON >/dev/null
+  configure_tree native "$BUILD_DIR/native"
   cmake --build "$BUILD_DIR/native" -j "$JOBS"
 }
 
 build_windows() {
-  cmake -S "$ROOT" -B "$BUILD_DIR/windows" -G Ninja \
-    -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
-    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_WARNINGS_AS_ERRORS=ON >/dev/null
+  configure_tree windows "$BUILD_DIR/windows"
   cmake --build "$BUILD_DIR/windows" -j "$JOBS"
 }
 

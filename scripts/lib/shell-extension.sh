@@ -1,13 +1,9 @@
 # The pieces scripts/properties.sh puts together: the built DLL and the shell program, a copy
 # of the DLL in a folder of its own with a stand-in client beside it, its registration, and
-# fonts for the languages whose glyphs Wine's own fonts lack.
+# fonts for the languages whose glyphs Wine's own fonts lack. Source after build.sh.
 
 build_shell_extension() {
-  if [ ! -f "$BUILD_DIR/windows/build.ninja" ]; then
-    cmake -S "$ROOT" -B "$BUILD_DIR/windows" -G Ninja \
-      -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
-      -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-  fi
+  [ -f "$BUILD_DIR/windows/build.ninja" ] || configure_tree windows "$BUILD_DIR/windows"
   cmake --build "$BUILD_DIR/windows" --target vqcprop64 shell_properties >&2
 }
 

@@ -5,8 +5,9 @@
 #   3. a project whose pages library links a shell-extension library: configuring it fails.
 set -uo pipefail
 ROOT=$(cd "$(dirname "$0")/../.." && pwd)
+source "$ROOT/scripts/lib/on-exit.sh"
 scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+on_exit rm -rf "$scratch"
 status=0
 fail() { echo "FAILED: $*"; status=1; }
 

@@ -19,12 +19,14 @@ ConnectionSettings RecordAt(std::int32_t clientVersion) {
 
 std::vector<std::uint32_t> TextIds(const std::vector<ConnectionType>& types) {
     std::vector<std::uint32_t> ids;
+    ids.reserve(types.size());
     for (ConnectionType type : types) ids.push_back(EntryOf(type).textId);
     return ids;
 }
 
 std::vector<std::uint32_t> TextIds(const std::vector<LoginType>& types) {
     std::vector<std::uint32_t> ids;
+    ids.reserve(types.size());
     for (LoginType type : types) ids.push_back(EntryOf(type).textId);
     return ids;
 }

@@ -12,13 +12,15 @@ export BUILD_DIR="$2" VQC_WINEPREFIX="$3" WINEPREFIX="$3" WINEDEBUG=-all
 
 fail() { echo "FAIL: $*"; exit 1; }
 
+source "$root/scripts/lib/on-exit.sh"
+source "$root/scripts/lib/windows-path.sh"
 work=$(mktemp -d)
-cleanup() {
-  "$root/scripts/lib/wine64" regsvr32 /u /s "Z:$(tr / '\\' <<<"$BUILD_DIR/properties/extension/vqcprop64.dll")" \
+on_exit rm -rf "$work"
+unregister() {
+  "$root/scripts/lib/wine64" regsvr32 /u /s "$(windows_path "$BUILD_DIR/properties/extension/vqcprop64.dll")" \
     </dev/null >/dev/null 2>&1
-  rm -rf "$work"
 }
-trap cleanup EXIT
+on_exit unregister
 cp "$root/docs/samples/office.vqc" "$work/office.vqc"
 
 bash "$root/scripts/properties.sh" "$work/office.vqc" --screenshots "$work/shots" </dev/null >"$work/out" 2>"$work/err"
