@@ -68,6 +68,11 @@ const WrittenCase kWrittenCases[] = {
     {"ProxyRouteWithEmptyHostWritesNoRouteOption",
      [](VQCFileInfo& r) { r.route = 1; r.brokerHost = "broker"; },
      ""},
+    // The Proxy page offers the broker only to clients 6.20 to 6.89; a file's broker route is
+    // written for every client from 6.20 on all the same.
+    {"BrokerRouteIsStillWrittenForClient690",
+     [](VQCFileInfo& r) { r.clientVersion = 690; r.route = 2; r.brokerHost = "broker"; },
+     "-f broker "},
     {"BrokerPortAndUpperF",
      [](VQCFileInfo& r) { r.route = 2; r.brokerHost = "broker"; r.brokerPort = 3128; r.brokerUpperF = 1; },
      "-F broker:3128 "},
