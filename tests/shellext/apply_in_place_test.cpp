@@ -43,7 +43,6 @@ TEST(ApplyInPlace, AWriteThatFailsAfterTheCreateLeavesTheFileEmptyUntilTheNextAp
         // A clean Apply, counted: where its write comes, and what it writes.
         faults::BeginCounting(0, true);
         ASSERT_TRUE(Press(shell.Sheet(), kApplyButtonId).empty());
-        faults::RecordTrace(false);
         const std::uint64_t write = FirstWriteFile();
         ASSERT_NE(write, 0u);
         const std::string whole = ReadFileBytes(file);
