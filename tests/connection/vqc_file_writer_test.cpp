@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,8 @@ struct WrittenCase {
     void (*set)(VQCFileInfo& r);
     const char* bytes;
 };
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const WrittenCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const WrittenCase kWrittenCases[] = {
@@ -115,6 +118,7 @@ struct EmittedCase {
     bool alwaysQuote;
     const char* after;
 };
+void PrintTo(const EmittedCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const EmittedCase kEmittedCases[] = {

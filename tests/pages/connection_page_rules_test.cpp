@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <map>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -525,6 +526,8 @@ struct OpeningTypeCase {
     std::uint8_t optionK;
     ConnectionType opensAs;
 };
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const OpeningTypeCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const OpeningTypeCase kOpeningTypeCases[] = {
@@ -545,6 +548,7 @@ struct PortShownCase {
     const char* name;
     std::vector<PortShown> examples;
 };
+void PrintTo(const PortShownCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const PortShownCase kPortShownCases[] = {
@@ -565,6 +569,7 @@ struct PortReadCase {
     const char* name;
     std::vector<PortRead> examples;
 };
+void PrintTo(const PortReadCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const PortReadCase kPortReadCases[] = {
@@ -586,6 +591,7 @@ struct ServerListCase {
     const char* name;
     std::vector<ServersListed> examples;
 };
+void PrintTo(const ServerListCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const ServerListCase kServerListCases[] = {
@@ -607,6 +613,7 @@ struct SiblingPathCase {
     const char* name;
     std::vector<SiblingNamed> examples;
 };
+void PrintTo(const SiblingPathCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const SiblingPathCase kSiblingPathCases[] = {

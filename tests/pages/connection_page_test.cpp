@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 #include <set>
 
 #include "runtime/module_runtime.h"
@@ -745,6 +746,8 @@ struct PortOpenedCase {
     std::int32_t servicePort;  // what the record read
     const char* edit;          // what the edit shows
 };
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const PortOpenedCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const PortOpenedCase kPortOpenedCases[] = {
@@ -778,6 +781,7 @@ struct PortTypedCase {
     std::int32_t servicePort;
     const char* applied;
 };
+void PrintTo(const PortTypedCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const PortTypedCase kPortTypedCases[] = {
@@ -813,6 +817,7 @@ struct ServersOpenedCase {
     std::vector<std::string> listed;
     const char* shown;
 };
+void PrintTo(const ServersOpenedCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const ServersOpenedCase kServersOpenedCases[] = {
@@ -848,6 +853,7 @@ struct DomainLoginCase {
     DomainNameQuery domain;
     std::vector<std::string> listed;
 };
+void PrintTo(const DomainLoginCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const DomainLoginCase kDomainLoginCases[] = {

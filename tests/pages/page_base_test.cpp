@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <ostream>
 #include <stdexcept>
 #include <vector>
 
@@ -595,6 +596,8 @@ struct NotificationCase {
     LRESULT result;
     FileAfter file;
 };
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const NotificationCase& row, std::ostream* out) { *out << row.name; }
 
 // clang-format off
 const NotificationCase kNotificationCases[] = {
