@@ -72,7 +72,7 @@ register_shell_extension "$extension"
 write_file_type_association
 link_cjk_fonts
 
-program=("$WINE_LOADER" "$BUILD_DIR/windows/tools/shell_properties.exe" "$(windows_path "$file")")
+program=("$WINE_LOADER" "$BUILD_DIR/windows/devtools/shell_properties.exe" "$(windows_path "$file")")
 [ -z "$screenshots" ] || program+=(--screenshots "$(windows_path "$screenshots")")
 [ -z "$screenshots" ] || [ -z "$failed_save" ] || program+=(--failed-save)
 # Through a file: the helpers Wine starts on demand keep the standard handles they inherit.

@@ -26,9 +26,9 @@
 #include "shellext/vqcprop_ids.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/wide_text.h"
-#include "tools/benchmark_files.h"
-#include "tools/built_server.h"
-#include "tools/side_by_side.h"
+#include "devtools/benchmark_files.h"
+#include "devtools/built_server.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 

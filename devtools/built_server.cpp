@@ -1,4 +1,4 @@
-#include "tools/built_server.h"
+#include "devtools/built_server.h"
 
 #include <cstdio>
 #include <cstdlib>
