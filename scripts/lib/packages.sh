@@ -3,6 +3,8 @@ VQC_PACKAGES=(
   cmake ninja-build make python3
   g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64
   clang libclang-rt-14-dev
+  # The fuzz targets' coverage (scripts/fuzz-coverage.sh): llvm-profdata-14, llvm-cov-14.
+  llvm-14
   # The sources' layout and static checks (tests/style).
   clang-format clang-tidy
   googletest
