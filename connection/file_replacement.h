@@ -47,15 +47,17 @@ enum class WholeWrite {
 // Writes size bytes through writeSome(data, size, written) -> bool, one call for the whole
 // text. A call the system answers with success but fewer bytes (a volume filling up, or a
 // file size limit, on the way) is followed by one for the rest, so that the system names
-// its reason for refusing the rest. `done` counts the bytes the calls took.
+// its reason for refusing the rest. `done` counts the bytes the calls took, a refused
+// call's included.
 template <typename WriteSome>
 WholeWrite WriteWhole(const char* data, std::uint32_t size, std::uint32_t& done, WriteSome writeSome) {
     done = 0;
     do {
         std::uint32_t written = 0;
-        if (!writeSome(data + done, size - done, written)) return WholeWrite::Refused;
-        if (written == 0 && done < size) return WholeWrite::Stalled;
+        const bool wrote = writeSome(data + done, size - done, written);
         done += written < size - done ? written : size - done;
+        if (!wrote) return WholeWrite::Refused;
+        if (written == 0 && done < size) return WholeWrite::Stalled;
     } while (done < size);
     return WholeWrite::Written;
 }

@@ -196,6 +196,12 @@ TEST(WriteWhole, TheSystemRefusingTheRestIsARefusal) {
     EXPECT_EQ(writes.done, 4u);
 }
 
+TEST(WriteWhole, BytesARefusedCallTookAreCounted) {
+    ScriptedWrites writes({{4, true}, {2, false}});
+    EXPECT_EQ(writes.Run("-h server "), WholeWrite::Refused);
+    EXPECT_EQ(writes.done, 6u);
+}
+
 TEST(WriteWhole, ACallThatTakesNothingWithoutRefusingStalls) {
     ScriptedWrites writes({{4, true}, {0, true}});
     EXPECT_EQ(writes.Run("-h server "), WholeWrite::Stalled);
