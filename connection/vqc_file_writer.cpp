@@ -57,13 +57,13 @@ public:
         return file_ || Fail();
     }
 
-    bool Write(const std::string& text) { return WriteFromStart(text, written_) || Fail(); }
+    bool Write(const std::string& text) { return WriteAtPosition(text, written_) || Fail(); }
 
     // The write's error stays the one the user hears of. The file was empty before the
     // failed write, so it needs cutting only where that write got further than the old bytes.
     bool PutBack(const std::string& bytes) {
-        std::uint32_t putBack = 0;
-        return SetFilePointerEx(file_.Get(), LARGE_INTEGER{}, nullptr, FILE_BEGIN) && WriteFromStart(bytes, putBack) &&
+        std::uint32_t taken = 0;
+        return SetFilePointerEx(file_.Get(), LARGE_INTEGER{}, nullptr, FILE_BEGIN) && WriteAtPosition(bytes, taken) &&
                (written_ <= bytes.size() || SetEndOfFile(file_.Get()));
     }
 
@@ -71,7 +71,7 @@ public:
 
 private:
     // Writes bytes at the file's position; done counts what the system took.
-    bool WriteFromStart(const std::string& bytes, std::uint32_t& done) {
+    bool WriteAtPosition(const std::string& bytes, std::uint32_t& done) {
         const WholeWrite result = WriteWhole(bytes.data(), static_cast<std::uint32_t>(bytes.size()), done,
                                              [&](const char* data, std::uint32_t size, std::uint32_t& written) {
                                                  DWORD count = 0;
