@@ -5,6 +5,8 @@ VQC_PACKAGES=(
   # The DLL's 32-bit twin (vqcprop32.dll); wine32:i386 runs it (install_wine32).
   g++-mingw-w64-i686-posix binutils-mingw-w64-i686
   clang libclang-rt-14-dev
+  # The fuzz targets' coverage (scripts/fuzz-coverage.sh): llvm-profdata-14, llvm-cov-14.
+  llvm-14
   # The sources' layout and static checks (tests/style).
   clang-format clang-tidy
   googletest
