@@ -7,11 +7,25 @@ build_native() {
   cmake --build "$BUILD_DIR/native" -j "$JOBS"
 }
 
+# The 64-bit tree's package holds the 32-bit DLL too: the i686 tree (build/windows-x86)
+# builds it first, and the 64-bit tree is told where it is.
 build_windows() {
+  build_windows_x86_dll "$BUILD_DIR/windows-x86"
   cmake -S "$ROOT" -B "$BUILD_DIR/windows" -G Ninja \
     -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
-    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_WARNINGS_AS_ERRORS=ON >/dev/null
+    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_WARNINGS_AS_ERRORS=ON \
+    -DVQC_DLL32_PATH="$BUILD_DIR/windows-x86/shellext/vqcprop32.dll" >/dev/null
   cmake --build "$BUILD_DIR/windows" -j "$JOBS"
+}
+
+# build_windows_x86_dll TREE [CMAKE_ARGUMENTS...]: vqcprop32.dll in the i686 tree TREE.
+build_windows_x86_dll() {
+  local tree="$1"
+  shift
+  cmake -S "$ROOT" -B "$tree" -G Ninja \
+    -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-i686.cmake" \
+    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_WARNINGS_AS_ERRORS=ON "$@" >/dev/null
+  cmake --build "$tree" -j "$JOBS" --target vqcprop
 }
 
 # Xvfb, the prefix, the server and the helpers it starts on demand, all detached from our
