@@ -102,6 +102,12 @@ sign() {
   if grep -qiE "load 'pkcs11' engine" "$log"; then
     fail "$what: OpenSSL has no PKCS#11 engine for VQC_SIGN_PKCS11_MODULE (Debian package libengine-pkcs11-openssl)"
   fi
+  if grep -qiE 'PIN incorrect|Login failed' "$log"; then
+    fail "$what: the token refused the PIN in VQC_SIGN_PASSWORD_FILE${VQC_SIGN_PASSWORD_FILE:+ ($VQC_SIGN_PASSWORD_FILE)}"
+  fi
+  if grep -qiE 'private key was not found' "$log"; then
+    fail "$what: the token holds no key VQC_SIGN_PKCS11_KEY ($VQC_SIGN_PKCS11_KEY)"
+  fi
   if grep -qiE 'wrong password|mac verify failure' "$log"; then
     fail "$what: wrong password in VQC_SIGN_PASSWORD_FILE"
   fi

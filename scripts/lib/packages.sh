@@ -19,6 +19,8 @@ VQC_PACKAGES=(
   # Signing the files and the package (packaging/signed_package.sh) and the tests' throwaway
   # certificate authority; the engine lets osslsigncode use a key on a PKCS#11 token.
   osslsigncode openssl libengine-pkcs11-openssl
+  # The signing tests' own PKCS#11 token.
+  softhsm2
 )
 
 # install_missing_packages [PACKAGE...]: the build's packages and any named here, and 32-bit Wine.
