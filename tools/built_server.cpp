@@ -53,4 +53,11 @@ SystemServer::SystemServer(REFCLSID id) {
     registration_ = Register(id, factory_.Get(), "a system class");
 }
 
+bool DestroyBoth(HICON large, HICON small) {
+    const bool made = large && small;
+    if (large) DestroyIcon(large);
+    if (small) DestroyIcon(small);
+    return made;
+}
+
 }  // namespace benchmark_server

@@ -7,6 +7,7 @@
 #include <set>
 
 using namespace connection_page;
+using namespace dialog_ids;
 
 namespace {
 

@@ -15,6 +15,7 @@
 
 using namespace page_test;
 using namespace connection_page;
+using namespace dialog_ids;
 using test_support::PrivateCurrentUser;
 
 namespace {
