@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test, on a fresh Debian 12 machine or a warm one:
 #   1. installs what is missing (apt-get; needs root or sudo);
-#   2. builds the Windows tree with MinGW-w64 and the portable cores natively with clang
-#      under AddressSanitizer and UndefinedBehaviorSanitizer (plus the libFuzzer targets);
+#   2. builds the Windows tree with MinGW-w64 (after vqcprop32.dll in the i686 tree, which its
+#      package holds) and the portable cores natively with clang under AddressSanitizer and
+#      UndefinedBehaviorSanitizer (plus the libFuzzer targets);
 #   3. prepares a private 64-bit Wine prefix inside the build folder, starts Xvfb, a
 #      persistent wineserver and the helpers Wine would otherwise start on demand, all
 #      with their standard handles detached;

@@ -15,9 +15,20 @@ build_native() {
   cmake --build "$BUILD_DIR/native" -j "$JOBS"
 }
 
+# The 64-bit tree's package holds the 32-bit DLL too: the i686 tree (build/windows-x86)
+# builds it first, and the 64-bit tree is told where it is.
 build_windows() {
-  configure_tree windows "$BUILD_DIR/windows"
+  build_windows_x86_dll "$BUILD_DIR/windows-x86"
+  configure_tree windows "$BUILD_DIR/windows" -DVQC_DLL32_PATH="$BUILD_DIR/windows-x86/shellext/vqcprop32.dll"
   cmake --build "$BUILD_DIR/windows" -j "$JOBS"
+}
+
+# build_windows_x86_dll TREE [CMAKE_ARGUMENTS...]: vqcprop32.dll in the i686 tree TREE.
+build_windows_x86_dll() {
+  local tree="$1"
+  shift
+  configure_tree windows-x86 "$tree" "$@"
+  cmake --build "$tree" -j "$JOBS" --target vqcprop
 }
 
 # Xvfb, the prefix, the server and the helpers it starts on demand, all detached from our
