@@ -16,6 +16,7 @@
 #include "common/ansi_text.h"
 #include "common/win_handles.h"
 #include "connection/vqc_file_info.h"
+#include "resources/dialog_ids.h"
 #include "pages/connection_page_rules.h"
 #include "pages/save_failure_text.h"
 #include "tests/pages/page_test_support.h"
@@ -95,7 +96,7 @@ public:
         if (!sheet_ || !sheet_->Open()) return false;
         page_ = ShowPageTitled(sheet_->Sheet(), "Connection");
         if (!page_) return false;
-        TypeText(PageControl(page_, connection_page::kLoginEdit), login);
+        TypeText(PageControl(page_, dialog_ids::kLoginEdit), login);
         return ApplyEnabled(sheet_->Sheet());
     }
 
@@ -219,7 +220,7 @@ TEST_F(DiskFull, TheSheetStaysOpenOnItsPageWithTheEdit) {
     EXPECT_FALSE(SheetClosed(setup.Sheet()));
     EXPECT_TRUE(IsSameWindow(CurrentPage(setup.Sheet()), setup.Page()));
     EXPECT_TRUE(ApplyEnabled(setup.Sheet()));
-    EXPECT_EQ(WindowText(PageControl(setup.Page(), connection_page::kLoginEdit)), LongLogin());
+    EXPECT_EQ(WindowText(PageControl(setup.Page(), dialog_ids::kLoginEdit)), LongLogin());
 }
 
 TEST_F(DiskFull, OkOnAllThreePagesShowsOneBoxAndKeepsTheSheetAndTheFile) {
@@ -240,7 +241,7 @@ TEST_F(DiskFull, ApplyOnceTheEditFitsWritesItWithoutABox) {
     FullVolumeSheet setup("disk-full-retry", ConnectionFileOfSize(limit_ - 4096));
     ASSERT_TRUE(setup.OpenAndEdit(LongLogin()));
     ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
-    TypeText(PageControl(setup.Page(), connection_page::kLoginEdit), "changed");
+    TypeText(PageControl(setup.Page(), dialog_ids::kLoginEdit), "changed");
     EXPECT_TRUE(setup.Press(kApplyButtonId).empty());
     EXPECT_FALSE(ApplyEnabled(setup.Sheet()));
     const std::string now = ReadFileBytes(setup.File());
@@ -254,5 +255,5 @@ TEST_F(DiskFull, WhenTheOldBytesCannotBePutBackEitherTheBoxSaysSo) {
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].text, setup.BoxText(error_, true));
     EXPECT_FALSE(SheetClosed(setup.Sheet()));
-    EXPECT_EQ(WindowText(PageControl(setup.Page(), connection_page::kLoginEdit)), LongLogin());
+    EXPECT_EQ(WindowText(PageControl(setup.Page(), dialog_ids::kLoginEdit)), LongLogin());
 }

@@ -14,6 +14,7 @@
 #include "common/ansi_text.h"
 #include "common/same_window.h"
 #include "common/win_handles.h"
+#include "resources/dialog_ids.h"
 #include "pages/connection_page_rules.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/window_assertions.h"
@@ -159,7 +160,7 @@ TEST(SaveFailure, ApplyOnAFileMadeReadOnlySinceTheSheetOpenedShowsAccessDeniedAn
     EXPECT_EQ(boxes[0].text, setup.ExpectedText(ERROR_ACCESS_DENIED));
     EXPECT_FALSE(SheetClosed(setup.sheet->Sheet()));
     EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->Sheet()), setup.page));
-    EXPECT_EQ(WindowText(PageControl(setup.page, connection_page::kLoginEdit)), "changed");
+    EXPECT_EQ(WindowText(PageControl(setup.page, dialog_ids::kLoginEdit)), "changed");
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
 }
 
