@@ -1,121 +1,63 @@
-// One owner type per Windows handle kind. Adding a kind is one traits struct and one alias.
+// One owner type per Windows handle kind, each one line over UniqueAny (unique_handle.h),
+// and the owners of what is not a plain handle: a window's DC, an object selected into a DC
+// and a critical section. Each keeps the thread's last error across its release.
 #pragma once
 
 #include <windows.h>
 
 #include "common/unique_handle.h"
 
-namespace handle_traits {
+// Kernel objects (files, mappings, processes, ...): CreateFile fails with
+// INVALID_HANDLE_VALUE, most others with null; neither is closed.
+using UniqueKernelHandle = UniqueAny<HANDLE, CloseHandle, kNullHandle, kInvalidHandleValue>;
+using UniqueRegKey = UniqueAny<HKEY, RegCloseKey>;
+using UniqueMappedView = UniqueAny<const void*, UnmapViewOfFile>;
+using UniqueLocalMemory = UniqueAny<HLOCAL, LocalFree>;
+// Memory from GlobalAlloc and friends (a drop list of CF_HDROP, for example).
+using UniqueGlobalMemory = UniqueAny<HGLOBAL, GlobalFree>;
+using UniqueGdiObject = UniqueAny<HGDIOBJ, DeleteObject>;
+using UniqueIcon = UniqueAny<HICON, DestroyIcon>;
+using UniqueModule = UniqueAny<HMODULE, FreeLibrary>;
+// A memory DC from CreateCompatibleDC.
+using UniqueMemoryDC = UniqueAny<HDC, DeleteDC>;
+// A FindFirstFile search: INVALID_HANDLE_VALUE is "none".
+using UniqueFileSearch = UniqueAny<HANDLE, FindClose, kInvalidHandleValue, kNullHandle>;
 
-template <typename H, BOOL(WINAPI* CloseFn)(H)>
-struct NullInvalid {
-    using Handle = H;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { CloseFn(h); }
-};
-
-// Kernel handles: both null and INVALID_HANDLE_VALUE mean "nothing".
-struct Kernel {
-    using Handle = HANDLE;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr && h != INVALID_HANDLE_VALUE; }
-    static void Close(Handle h) noexcept { CloseHandle(h); }
-};
-
-struct RegKey {
-    using Handle = HKEY;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { RegCloseKey(h); }
-};
-
-struct MappedView {
-    using Handle = const void*;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { UnmapViewOfFile(h); }
-};
-
-struct LocalMemory {
-    using Handle = HLOCAL;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { LocalFree(h); }
-};
-
-struct GdiObject {
-    using Handle = HGDIOBJ;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { DeleteObject(h); }
-};
-
-}  // namespace handle_traits
-
-using UniqueKernelHandle = UniqueHandle<handle_traits::Kernel>;
-using UniqueRegKey = UniqueHandle<handle_traits::RegKey>;
-using UniqueMappedView = UniqueHandle<handle_traits::MappedView>;
-using UniqueLocalMemory = UniqueHandle<handle_traits::LocalMemory>;
-using UniqueGdiObject = UniqueHandle<handle_traits::GdiObject>;
-using UniqueIcon = UniqueHandle<handle_traits::NullInvalid<HICON, DestroyIcon>>;
-using UniqueModule = UniqueHandle<handle_traits::NullInvalid<HMODULE, FreeLibrary>>;
-
-// A window DC from GetDC, given back with ReleaseDC.
+// A window's DC from GetDC, given back to its window with ReleaseDC.
 class WindowDC {
 public:
     explicit WindowDC(HWND window) noexcept : window_(window), dc_(GetDC(window)) {}
-    ~WindowDC() {
-        if (dc_) ReleaseDC(window_, dc_);
-    }
     WindowDC(const WindowDC&) = delete;
     WindowDC& operator=(const WindowDC&) = delete;
+    ~WindowDC() {
+        if (dc_) KeepingLastError([this] { ReleaseDC(window_, dc_); });
+    }
+
     HDC Get() const noexcept { return dc_; }
+    explicit operator bool() const noexcept { return dc_ != nullptr; }
 
 private:
     HWND window_;
     HDC dc_;
 };
 
-// A memory DC from CreateCompatibleDC, deleted with DeleteDC.
-using UniqueMemoryDC = UniqueHandle<handle_traits::NullInvalid<HDC, DeleteDC>>;
-
-// Selects a GDI object into a DC for the owner's lifetime and puts the old one back.
+// A GDI object selected into a DC for the owner's lifetime; the one it replaced is put back.
 class SelectedObject {
 public:
     SelectedObject(HDC dc, HGDIOBJ object) noexcept : dc_(dc), old_(SelectObject(dc, object)) {}
-    ~SelectedObject() {
-        if (old_ && old_ != HGDI_ERROR) SelectObject(dc_, old_);
-    }
     SelectedObject(const SelectedObject&) = delete;
     SelectedObject& operator=(const SelectedObject&) = delete;
+    ~SelectedObject() {
+        if (*this) KeepingLastError([this] { SelectObject(dc_, old_); });
+    }
+
+    // Whether the object was selected (and the old one will be put back).
+    explicit operator bool() const noexcept { return old_ != nullptr && old_ != HGDI_ERROR; }
 
 private:
     HDC dc_;
     HGDIOBJ old_;
 };
-
-// Memory from GlobalAlloc and friends (a drop list of CF_HDROP, for example).
-namespace handle_traits {
-struct GlobalMemory {
-    using Handle = HGLOBAL;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { GlobalFree(h); }
-};
-}  // namespace handle_traits
-using UniqueGlobalMemory = UniqueHandle<handle_traits::GlobalMemory>;
-
-// A FindFirstFile search: INVALID_HANDLE_VALUE is "none", FindClose ends it.
-namespace handle_traits {
-struct FileSearch {
-    using Handle = HANDLE;
-    static Handle Invalid() noexcept { return INVALID_HANDLE_VALUE; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr && h != INVALID_HANDLE_VALUE; }
-    static void Close(Handle h) noexcept { FindClose(h); }
-};
-}  // namespace handle_traits
-using UniqueFileSearch = UniqueHandle<handle_traits::FileSearch>;
 
 // A critical section that may fail to initialise; usable only when Initialized().
 class OwnedCriticalSection {
@@ -123,11 +65,12 @@ public:
     using Initializer = BOOL(WINAPI*)(LPCRITICAL_SECTION, DWORD, DWORD);
     explicit OwnedCriticalSection(Initializer initialize) noexcept
         : initialized_(initialize(&section_, 0, 0) != FALSE) {}
-    ~OwnedCriticalSection() {
-        if (initialized_) DeleteCriticalSection(&section_);
-    }
     OwnedCriticalSection(const OwnedCriticalSection&) = delete;
     OwnedCriticalSection& operator=(const OwnedCriticalSection&) = delete;
+    ~OwnedCriticalSection() {
+        if (initialized_) KeepingLastError([this] { DeleteCriticalSection(&section_); });
+    }
+
     bool Initialized() const noexcept { return initialized_; }
     void Enter() noexcept { EnterCriticalSection(&section_); }
     void Leave() noexcept { LeaveCriticalSection(&section_); }

@@ -27,16 +27,6 @@ VQCFileInfo::~VQCFileInfo() = default;  // the icon owners destroy both icons
 
 STDMETHODIMP VQCFileInfo::QueryInterface(REFIID, void**) { return E_NOINTERFACE; }
 
-STDMETHODIMP_(ULONG) VQCFileInfo::AddRef() { return ++refCount; }
-
-STDMETHODIMP_(ULONG) VQCFileInfo::Release() {
-    if (refCount == 1) {
-        delete this;
-        return 0;
-    }
-    return --refCount;
-}
-
 bool VQCFileInfo::IsInDomain() {
     if (!inDomainKnown) {
         inDomainKnown = 1;

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "common/com_object.h"
 #include "common/win_handles.h"
 #include "connection/connection_settings.h"
 #include "connection/file_replacement.h"
@@ -15,7 +16,7 @@
 
 struct IconInstruction;
 
-class VQCFileInfo : public IUnknown, public ConnectionSettings {
+class VQCFileInfo : public ComObject<VQCFileInfo, IUnknown>, public ConnectionSettings {
 public:
     explicit VQCFileInfo(const char* path);
     virtual ~VQCFileInfo();
@@ -23,10 +24,8 @@ public:
     VQCFileInfo& operator=(const VQCFileInfo&) = delete;
 
     // The record answers no interface at all, IUnknown included; *object is left alone.
+    // AddRef and Release are ComObject's, over refCount.
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
-    // Plain, non-atomic counting: the record lives on the shell's UI thread only.
-    STDMETHODIMP_(ULONG) AddRef() override;
-    STDMETHODIMP_(ULONG) Release() override;
 
     // Reads the connection file at path over the current fields; 0 on success, 1 on
     // failure with the Windows error in lastError. Raises HResultError (E_INVALIDARG for a
@@ -52,7 +51,10 @@ public:
     // Carries out the reader's last -I or -i on the two icons.
     void ApplyIconInstruction(const IconInstruction& instruction);
 
+    // Plain, non-atomic counting: the record lives on the shell's UI thread only. A field of
+    // the record like the others, between the file's path and its icons.
     ULONG refCount = 0;
+    static constexpr auto kReferenceCount = &VQCFileInfo::refCount;
     RecordIcon icon;       // the file's own icon at its natural size (-I)
     RecordIcon smallIcon;  // the same icon at the system small-icon size
     // How the last Write left the file: the pages say more when not even its old content

@@ -34,9 +34,8 @@ LONG WriteRegistryRows(HKEY root, const std::vector<RegistryRow>& rows, Registra
             HKEY created = nullptr;
             const LONG result = RegCreateKeyExA(target, row.keyName.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                                 kKeyAccess, nullptr, &created, nullptr);
-            const DWORD lastError = GetLastError();
             if (result != ERROR_SUCCESS) {
-                if (log.IsEnabled()) log.LogKeyCreateFailure(target, row.keyName.c_str(), lastError);
+                if (log.IsEnabled()) log.LogKeyCreateFailure(target, row.keyName.c_str(), GetLastError());
                 return result;
             }
             // Owned before the map's node is made: a node that cannot be had closes the key.

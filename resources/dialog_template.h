@@ -38,12 +38,5 @@ INT_PTR CreateTableDialog(HINSTANCE instance, int index, HWND parent, DLGPROC di
 DLGTEMPLATE* AllocDialogTemplate(int index, std::uint32_t pointSize) noexcept;
 
 // Owner of a template from AllocDialogTemplate: freed with free().
-namespace handle_traits {
-struct HeapDialogTemplate {
-    using Handle = DLGTEMPLATE*;
-    static Handle Invalid() noexcept { return nullptr; }
-    static bool IsValid(Handle h) noexcept { return h != nullptr; }
-    static void Close(Handle h) noexcept { std::free(h); }
-};
-}  // namespace handle_traits
-using UniqueDialogTemplate = UniqueHandle<handle_traits::HeapDialogTemplate>;
+inline void FreeDialogTemplate(DLGTEMPLATE* dialogTemplate) noexcept { std::free(dialogTemplate); }
+using UniqueDialogTemplate = UniqueAny<DLGTEMPLATE*, FreeDialogTemplate>;

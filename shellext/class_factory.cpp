@@ -5,6 +5,17 @@
 #include "common/com_boundary.h"
 #include "shellext/vqcprop_module.h"
 
+namespace {
+
+// IUnknown answers the first row.
+// clang-format off
+constexpr InterfaceRow<CachedClassFactory> kInterfaces[] = {
+    {&IID_IClassFactory, InterfaceOf<CachedClassFactory, IClassFactory>},
+};
+// clang-format on
+
+}  // namespace
+
 HRESULT CachedClassFactory::Create(InstanceCreator createInstance, REFIID iid, void** object) {
     if (!object) return E_POINTER;
     *object = nullptr;
@@ -17,30 +28,20 @@ HRESULT CachedClassFactory::Create(InstanceCreator createInstance, REFIID iid, v
 }
 
 STDMETHODIMP CachedClassFactory::QueryInterface(REFIID iid, void** object) {
-    if (!object) return E_POINTER;
-    if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory)) {
-        *object = static_cast<IClassFactory*>(this);
-        AddRef();
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
+    return QueryInterfaceFromTable(this, kInterfaces, iid, object);
 }
 
 STDMETHODIMP_(ULONG) CachedClassFactory::AddRef() {
-    const LONG count = InterlockedIncrement(&refCount_);
+    const ULONG count = ComObject::AddRef();
     if (count == 2) TheModule().Lock();
-    return static_cast<ULONG>(count);
+    return count;
 }
 
 STDMETHODIMP_(ULONG) CachedClassFactory::Release() {
-    const LONG count = InterlockedDecrement(&refCount_);
-    if (count == 0) {
-        delete this;
-    } else if (count == 1) {
-        TheModule().Unlock();
-    }
-    return static_cast<ULONG>(count);
+    // At 0 ComObject has deleted the factory; only the module is touched after it.
+    const ULONG count = ComObject::Release();
+    if (count == 1) TheModule().Unlock();
+    return count;
 }
 
 STDMETHODIMP CachedClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object) {

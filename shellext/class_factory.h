@@ -6,7 +6,9 @@
 #include <windows.h>
 #include <unknwn.h>
 
-class CachedClassFactory : public IClassFactory {
+#include "common/com_object.h"
+
+class CachedClassFactory : public ComObject<CachedClassFactory, IClassFactory> {
 public:
     using InstanceCreator = HRESULT (*)(IUnknown* outer, REFIID iid, void** object);
 
@@ -14,7 +16,8 @@ public:
     static HRESULT Create(InstanceCreator createInstance, REFIID iid, void** object);
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
-    // Interlocked; rising to 2 takes a module lock, falling back to 1 drops it.
+    // ComObject's interlocked counting; rising to 2 takes a module lock, falling back to 1
+    // drops it.
     STDMETHODIMP_(ULONG) AddRef() override;
     STDMETHODIMP_(ULONG) Release() override;
 
@@ -23,9 +26,13 @@ public:
     STDMETHODIMP LockServer(BOOL lock) override;
 
 private:
-    explicit CachedClassFactory(InstanceCreator createInstance) noexcept : createInstance_(createInstance) {}
-    virtual ~CachedClassFactory() = default;
+    friend ComObject;
 
+    explicit CachedClassFactory(InstanceCreator createInstance) noexcept : createInstance_(createInstance) {}
+    ~CachedClassFactory() override = default;
+
+    // Interlocked: DllGetClassObject and DllCanUnloadNow may come from any thread.
     volatile LONG refCount_ = 0;
+    static constexpr auto kReferenceCount = &CachedClassFactory::refCount_;
     InstanceCreator createInstance_;
 };

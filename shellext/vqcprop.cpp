@@ -1,6 +1,5 @@
 #include "shellext/vqcprop.h"
 
-#include <climits>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -21,9 +20,16 @@
 
 namespace {
 
-// The count an object is given while it destroys itself, so that a stray AddRef and
-// Release inside its destructor cannot delete it a second time.
-constexpr ULONG kRefCountWhileDestroying = static_cast<ULONG>(-(LONG_MAX / 2));
+// The interface map, in the order QueryInterface walks it. IUnknown answers the first row.
+// clang-format off
+constexpr InterfaceRow<VQCProp> kInterfaces[] = {
+    {&IID_IVQCProp,           InterfaceOf<VQCProp, IVQCProp>},  // the class id itself
+    {&IID_IShellExtInit,      InterfaceOf<VQCProp, IShellExtInit>},
+    {&IID_IShellPropSheetExt, InterfaceOf<VQCProp, IShellPropSheetExt>},
+    {&IID_IPersistFile,       InterfaceOf<VQCProp, IPersistFile>},
+    {&IID_IExtractIconA,      InterfaceOf<VQCProp, IExtractIconA>},
+};
+// clang-format on
 
 constexpr CLIPFORMAT kClipboardHDrop = 15;  // CF_HDROP
 constexpr UINT kQueryFileCount = 0xFFFFFFFF;
@@ -68,42 +74,17 @@ HRESULT VQCProp::CreateInstance(IUnknown* outer, REFIID iid, void** object) {
 
 VQCProp::VQCProp() noexcept { TheModule().Lock(); }
 
+// ComObject's Release has marked the count before this runs.
 VQCProp::~VQCProp() {
-    refCount_ = kRefCountWhileDestroying;
     TheModule().Unlock();
     // The members then go in reverse order: file name, file record, data object.
 }
 
 HRESULT VQCProp::InternalQueryInterface(VQCProp* object, REFIID iid, void** result) {
-    if (!object) return E_INVALIDARG;
-    if (!result) return E_POINTER;
-    IUnknown* answer = nullptr;
-    if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IVQCProp)) {
-        answer = static_cast<IVQCProp*>(object);
-    } else if (IsEqualIID(iid, IID_IShellExtInit)) {
-        answer = static_cast<IShellExtInit*>(object);
-    } else if (IsEqualIID(iid, IID_IShellPropSheetExt)) {
-        answer = static_cast<IShellPropSheetExt*>(object);
-    } else if (IsEqualIID(iid, IID_IPersistFile)) {
-        answer = static_cast<IPersistFile*>(object);
-    } else if (IsEqualIID(iid, IID_IExtractIconA)) {
-        answer = static_cast<IExtractIconA*>(object);
-    }
-    *result = answer;
-    if (!answer) return E_NOINTERFACE;
-    answer->AddRef();
-    return S_OK;
+    return QueryInterfaceFromTable(object, kInterfaces, iid, result);
 }
 
 STDMETHODIMP VQCProp::QueryInterface(REFIID iid, void** object) { return InternalQueryInterface(this, iid, object); }
-
-STDMETHODIMP_(ULONG) VQCProp::AddRef() { return ++refCount_; }
-
-STDMETHODIMP_(ULONG) VQCProp::Release() {
-    const ULONG count = --refCount_;
-    if (count == 0) delete this;
-    return count;
-}
 
 STDMETHODIMP VQCProp::Initialize(PCIDLIST_ABSOLUTE, IDataObject* dataObject, HKEY) {
     return GuardComCall([&]() -> HRESULT {

@@ -8,17 +8,14 @@
 
 #include <string>
 
+#include "common/com_object.h"
 #include "common/com_ptr.h"
 #include "connection/vqc_file_info.h"
 
 // The class's own interface; its IID is the class id itself. It adds no methods.
 struct IVQCProp : public IUnknown {};
 
-class VQCProp : public IVQCProp,
-                public IShellExtInit,
-                public IShellPropSheetExt,
-                public IPersistFile,
-                public IExtractIconA {
+class VQCProp : public ComObject<VQCProp, IVQCProp, IShellExtInit, IShellPropSheetExt, IPersistFile, IExtractIconA> {
 public:
     // The map's instance creator: aggregation is refused by the factory before this.
     static HRESULT CreateInstance(IUnknown* outer, REFIID iid, void** object);
@@ -27,10 +24,9 @@ public:
     // IShellPropSheetExt, IPersistFile, IExtractIconA; a null object is E_INVALIDARG.
     static HRESULT InternalQueryInterface(VQCProp* object, REFIID iid, void** result);
 
-    // IUnknown: plain counting, the object lives on one apartment thread.
+    // IUnknown: the map walk; AddRef and Release are ComObject's, plain counting (the object
+    // lives on one apartment thread).
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
-    STDMETHODIMP_(ULONG) AddRef() override;
-    STDMETHODIMP_(ULONG) Release() override;
 
     // IShellExtInit: accepts a selection of exactly one file and keeps its path.
     STDMETHODIMP Initialize(PCIDLIST_ABSOLUTE folder, IDataObject* dataObject, HKEY progId) override;
@@ -61,10 +57,13 @@ protected:
     virtual ~VQCProp();
 
 private:
+    friend ComObject;
+
     VQCProp(const VQCProp&) = delete;
     VQCProp& operator=(const VQCProp&) = delete;
 
     ULONG refCount_ = 0;
+    static constexpr auto kReferenceCount = &VQCProp::refCount_;
     ComPtr<IDataObject> dataObject_;
     ComPtr<VQCFileInfo> fileRecord_;
     std::string fileName_;
