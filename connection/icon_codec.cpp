@@ -113,10 +113,21 @@ std::optional<IconImage> ReadIconImage(HDC dc, HICON icon) {
     }
 }
 
+// How many times an image is offered to the system before it counts as refused. Wine 8 refuses
+// a good image now and then (null, last error 0) while another thread of the process creates
+// or destroys a window, as Explorer's UI thread does beside its icon threads; the next call
+// makes it. An image the system really refuses costs the two calls more.
+constexpr int kIconAttempts = 3;
+
 HICON MakeIcon(const std::uint8_t* bytes, std::uint32_t size, int width, int height) noexcept {
     // Too short to hold even a bitmap header: nothing to make an icon of.
     if (size < kBitmapInfoHeaderBytes) return nullptr;
-    return CreateIconFromResourceEx(const_cast<PBYTE>(bytes), size, TRUE, kIconResourceVersion, width, height, 0);
+    for (int attempt = 0; attempt < kIconAttempts; ++attempt) {
+        const HICON icon =
+            CreateIconFromResourceEx(const_cast<PBYTE>(bytes), size, TRUE, kIconResourceVersion, width, height, 0);
+        if (icon) return icon;
+    }
+    return nullptr;
 }
 
 // Makes image 0 at its own size and image 1 at the system small-icon size; with

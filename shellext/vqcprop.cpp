@@ -9,6 +9,7 @@
 #include "common/ansi_text.h"
 #include "common/com_boundary.h"
 #include "common/hresult_error.h"
+#include "connection/cloud_placeholder.h"
 #include "pages/connection_page.h"
 #include "pages/option_page.h"
 #include "pages/proxy_page.h"
@@ -56,6 +57,13 @@ void SetLengthToText(std::string& text) {
     const std::size_t length = std::strlen(text.c_str());
     if (length > text.size()) throw HResultError(kResultInvalidArg);
     text.resize(length);
+}
+
+// Whether the icon handler may open the file. One that a cloud provider or offline files keep
+// off the disk would be downloaded by opening it, and a folder view of many such files would
+// fetch every one of them to draw it: it gets the DLL's icon instead, as a file without one.
+bool MayOpenForIcon(const std::string& path) {
+    return !cloud_placeholder::LeaveUnopenedForIcon(GetFileAttributesA(path.c_str()));
 }
 
 }  // namespace
@@ -177,9 +185,10 @@ STDMETHODIMP VQCProp::Load(LPCOLESTR fileName, DWORD) {
         if (!record) return E_OUTOFMEMORY;
         fileRecord_ = ComPtr<VQCFileInfo>(record);  // the new one is referenced before the old goes
 
-        // An unreadable file still answers S_OK; the icon then falls back to the DLL's. Only
-        // the pages show the -C text, so the icon's read leaves it out.
-        fileRecord_->ReadForIcon(fileRecord_->filePath.c_str());
+        // An unreadable file still answers S_OK; the icon then falls back to the DLL's, as it
+        // does for a file left unopened. Only the pages show the -C text, so the icon's read
+        // leaves it out.
+        if (MayOpenForIcon(fileRecord_->filePath)) fileRecord_->ReadForIcon(fileRecord_->filePath.c_str());
         return S_OK;
     });
 }

@@ -48,7 +48,8 @@ public:
     STDMETHODIMP Extract(PCSTR file, UINT index, HICON* largeIcon, HICON* smallIcon, UINT size) override;
 
     // What the object currently serves, for the shell's sake and for tests. Load reads the
-    // record for the icon: every field but the -C text, which only the pages show.
+    // record for the icon: every field but the -C text, which only the pages show; a file
+    // whose data is not on the disk (a cloud placeholder, an offline file) is left unread.
     const std::string& FileName() const noexcept { return fileName_; }
     VQCFileInfo* FileRecord() const noexcept { return fileRecord_.Get(); }
 

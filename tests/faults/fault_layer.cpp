@@ -32,6 +32,8 @@ struct LayerState {
     bool rememberDestroyed = true;
     std::set<std::pair<const void*, ObjectKind>> destroyed;
     std::vector<std::string> problems;
+    std::map<std::string, DWORD> addedAttributes;  // by FileKey
+    std::map<std::string, std::uint64_t> opens;    // by FileKey
 };
 
 LayerState& State() {
@@ -57,6 +59,16 @@ std::array<std::uintptr_t, kSiteDepth> ModulePath(const LayerState& state, ULONG
         path[depth++] = address - state.moduleBase;
     }
     return path;
+}
+
+// One spelling of a path for every way the module and a test may write it.
+std::string FileKey(const char* path) {
+    std::string key = path ? path : "";
+    for (char& c : key) {
+        if (c == '/') c = '\\';
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return key;
 }
 
 }  // namespace
@@ -218,7 +230,38 @@ CallSite FiredCall() {
     return state.firedCall;
 }
 
+void AddAttributes(const std::string& path, DWORD bits) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    if (bits == 0) {
+        state.addedAttributes.erase(FileKey(path.c_str()));
+    } else {
+        state.addedAttributes[FileKey(path.c_str())] = bits;
+    }
+}
+
+std::uint64_t FileOpens(const std::string& path) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    const auto found = state.opens.find(FileKey(path.c_str()));
+    return found == state.opens.end() ? 0 : found->second;
+}
+
 namespace detail {
+
+DWORD AddedAttributes(const char* path) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    if (state.addedAttributes.empty()) return 0;
+    const auto found = state.addedAttributes.find(FileKey(path));
+    return found == state.addedAttributes.end() ? 0 : found->second;
+}
+
+void Opened(const char* path) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    ++state.opens[FileKey(path)];
+}
 
 void SetModuleRange(std::uintptr_t base, std::size_t size) {
     LayerState& state = State();
@@ -236,6 +279,8 @@ void SetModuleRange(std::uintptr_t base, std::size_t size) {
     state.rememberDestroyed = true;
     state.destroyed.clear();
     state.problems.clear();
+    state.addedAttributes.clear();
+    state.opens.clear();
 }
 
 bool ShouldFail(const char* function, const void* returnAddress) {

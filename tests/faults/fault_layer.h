@@ -106,6 +106,15 @@ public:
 bool Fired();          // the armed call happened and was failed
 CallSite FiredCall();  // which it was
 
+// The files as a cloud provider shows them: the module's GetFileAttributesA of `path` answers
+// the file's real attributes with `bits` added (Wine keeps no placeholder or offline bits of
+// its own); 0 takes the file out again. Paths compare without regard to letter case or the
+// kind of slash; installing the layer forgets every file.
+void AddAttributes(const std::string& path, DWORD bits);
+// How many times the module called CreateFileA on `path` since the layer was installed
+// (every call, whatever it asked for and whether it succeeded).
+std::uint64_t FileOpens(const std::string& path);
+
 // The wrapped functions' names, for the README's and the tests' accounting.
 std::vector<std::string> WrappedFunctions();
 

@@ -20,6 +20,11 @@ void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object);
 // semaphore, a duplicate): a close of it later is no second close of an older object.
 void Reissued(const void* object);
 
+// The bits AddAttributes added to the file's attributes (0 for any other file).
+DWORD AddedAttributes(const char* path);
+// The module called CreateFileA on path.
+void Opened(const char* path);
+
 // The module's image, for call sites as offsets.
 void SetModuleRange(std::uintptr_t base, std::size_t size);
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <string>
 
 #include "tests/faults/fault_layer.h"
@@ -15,6 +16,7 @@ namespace {
 
 using OpenFunction = HANDLE (*)(const char*, DWORD*);
 using CloseFunction = BOOL (*)(HANDLE);
+using AttributesFunction = DWORD (*)(const char*);
 using StepsFunction = int (*)(const char*);
 
 template <typename Function>
@@ -183,6 +185,48 @@ TEST(FaultLayer, BooksSeeAHandleClosedTwice) {
     close(file);
     ASSERT_EQ(faults::BookProblems().size(), 1u);
     EXPECT_EQ(faults::BookProblems()[0].rfind("File destroyed twice", 0), 0u) << faults::BookProblems()[0];
+}
+
+TEST(FaultLayer, FileOpensCountTheModulesCreateFileOfThatFileHoweverSpelt) {
+    const ProbeCopy probe("fault-opens");
+    const LoadedProbe module(probe.Path());
+    ASSERT_NE(module.Get(), nullptr);
+    faults::InstallInto(module.Get());
+    const auto open = Export<OpenFunction>(module.Get(), "ProbeOpen");
+    const auto close = Export<CloseFunction>(module.Get(), "ProbeClose");
+    DWORD error = 0;
+    close(open(probe.DataFile().c_str(), &error));
+    std::string otherSpelling = probe.DataFile();
+    for (char& c : otherSpelling) c = c == '\\' ? '/' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    close(open(otherSpelling.c_str(), &error));
+    // A file that is not there is counted too: the call was made.
+    open((probe.DataFile() + ".missing").c_str(), &error);
+    // The test program's own open is not the module's.
+    CloseHandle(
+        CreateFileA(probe.DataFile().c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_EQ(faults::FileOpens(probe.DataFile()), 2u);
+    EXPECT_EQ(faults::FileOpens(probe.DataFile() + ".missing"), 1u);
+    EXPECT_EQ(faults::FileOpens(probe.Path()), 0u);
+}
+
+TEST(FaultLayer, AddedAttributesAreAnsweredBesideTheFilesOwnForThatFileAlone) {
+    const ProbeCopy probe("fault-attributes");
+    const LoadedProbe module(probe.Path());
+    ASSERT_NE(module.Get(), nullptr);
+    faults::InstallInto(module.Get());
+    const auto attributes = Export<AttributesFunction>(module.Get(), "ProbeAttributes");
+    const DWORD own = attributes(probe.DataFile().c_str());
+    ASSERT_NE(own, INVALID_FILE_ATTRIBUTES);
+    ASSERT_EQ(own & 0x400000u, 0u);
+    faults::AddAttributes(probe.DataFile(), 0x400000);  // recall on data access
+    EXPECT_EQ(attributes(probe.DataFile().c_str()), own | 0x400000u);
+    EXPECT_EQ(GetFileAttributesA(probe.DataFile().c_str()), own);  // the test program's own query
+    EXPECT_EQ(attributes(probe.Path().c_str()) & 0x400000u, 0u);
+    // A file that is not there stays missing.
+    faults::AddAttributes(probe.DataFile() + ".missing", FILE_ATTRIBUTE_OFFLINE);
+    EXPECT_EQ(attributes((probe.DataFile() + ".missing").c_str()), INVALID_FILE_ATTRIBUTES);
+    faults::AddAttributes(probe.DataFile(), 0);
+    EXPECT_EQ(attributes(probe.DataFile().c_str()), own);
 }
 
 // A green sweep means something: the probe's deliberate leak is found, at the allocation.

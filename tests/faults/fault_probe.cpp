@@ -18,6 +18,9 @@ __declspec(dllexport) HANDLE ProbeOpen(const char* path, DWORD* error) {
 
 __declspec(dllexport) BOOL ProbeClose(HANDLE file) { return CloseHandle(file); }
 
+// GetFileAttributesA of `path`.
+__declspec(dllexport) DWORD ProbeAttributes(const char* path) { return GetFileAttributesA(path); }
+
 // Opens the file, takes a buffer, frees both. When the buffer cannot be had it returns
 // without closing the file: the deliberate leak.
 __declspec(dllexport) int ProbeOpenWithBuffer(const char* path) {

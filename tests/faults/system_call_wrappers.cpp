@@ -165,6 +165,7 @@ LPWSTR* WINAPI Wrap_CommandLineToArgvW(LPCWSTR line, int* count) {
 // --- files ----------------------------------------------------------------------------
 HANDLE WINAPI Wrap_CreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                                DWORD disposition, DWORD flags, HANDLE templateFile) {
+    Opened(name);
     if (VQC_FAIL_HERE(CreateFileA)) return FailWith(INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED);
     HANDLE file = VQC_REAL(CreateFileA)(name, access, share, security, disposition, flags, templateFile);
     if (file != INVALID_HANDLE_VALUE) Created(ObjectKind::File, file);
@@ -235,7 +236,10 @@ DWORD WINAPI Wrap_GetFileSize(HANDLE file, LPDWORD high) {
 }
 DWORD WINAPI Wrap_GetFileAttributesA(LPCSTR name) {
     if (VQC_FAIL_HERE(GetFileAttributesA)) return FailWith(INVALID_FILE_ATTRIBUTES, ERROR_ACCESS_DENIED);
-    return VQC_REAL(GetFileAttributesA)(name);
+    const DWORD attributes = VQC_REAL(GetFileAttributesA)(name);
+    // A file the test put in the cloud: what the provider's file system answers for it.
+    if (attributes == INVALID_FILE_ATTRIBUTES) return attributes;
+    return attributes | AddedAttributes(name);
 }
 DWORD WINAPI Wrap_GetShortPathNameW(LPCWSTR longPath, LPWSTR shortPath, DWORD size) {
     if (VQC_FAIL_HERE(GetShortPathNameW)) return FailWith<DWORD>(0, ERROR_ACCESS_DENIED);
