@@ -14,8 +14,7 @@
 #include "common/com_ptr.h"
 #include "connection/cloud_placeholder.h"
 #include "connection/vqc_file_info.h"
-#include "pages/connection_page_rules.h"
-#include "pages/option_page.h"
+#include "resources/dialog_ids.h"
 #include "tests/faults/fault_layer.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/shellext/shellext_test_support.h"
@@ -135,15 +134,15 @@ TEST_P(CloudFile, PropertiesStillReadTheFileAndShowItsValues) {
     EXPECT_GE(faults::FileOpens(file_), 1u);
     const HWND connection = PageWindow(sheet.Sheet(), 0);
     ASSERT_NE(connection, nullptr);
-    EXPECT_EQ(WindowText(GetDlgItem(connection, connection_page::kServerBox)), "server.example");
-    EXPECT_EQ(WindowText(GetDlgItem(connection, connection_page::kLoginEdit)), "tester");
+    EXPECT_EQ(WindowText(GetDlgItem(connection, dialog_ids::kServerBox)), "server.example");
+    EXPECT_EQ(WindowText(GetDlgItem(connection, dialog_ids::kLoginEdit)), "tester");
     ShowPage(sheet.Sheet(), 2);
     const HWND options = PageWindow(sheet.Sheet(), 2);
     ASSERT_NE(options, nullptr);
-    ASSERT_NE(Shown(options, CVQCOptionPage::kLargeIconViewId), nullptr);
+    ASSERT_NE(Shown(options, dialog_ids::kLargeIconView), nullptr);
     const std::vector<std::uint32_t> own = FilesOwnIcon(file_);
     ASSERT_FALSE(own.empty());
-    EXPECT_EQ(RenderedIcon(Shown(options, CVQCOptionPage::kLargeIconViewId), 32, kBackground), own);
+    EXPECT_EQ(RenderedIcon(Shown(options, dialog_ids::kLargeIconView), 32, kBackground), own);
     sheet.Destroy();
 }
 
