@@ -19,7 +19,7 @@ if [ "${1:-}" = "-u" ] || [ "${1:-}" = "/u" ]; then unregister="/u"; fi
 
 install_missing_packages
 configure_tree windows "$BUILD_DIR/windows"
-cmake --build "$BUILD_DIR/windows" --target vqcprop64
+cmake --build "$BUILD_DIR/windows" --target vqcprop
 
 # Leave a wineserver that the tests keep running alone; only the display is ours to stop
 # (start_test_display registers that).

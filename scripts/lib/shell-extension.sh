@@ -4,7 +4,7 @@
 
 build_shell_extension() {
   [ -f "$BUILD_DIR/windows/build.ninja" ] || configure_tree windows "$BUILD_DIR/windows"
-  cmake --build "$BUILD_DIR/windows" --target vqcprop64 shell_properties >&2
+  cmake --build "$BUILD_DIR/windows" --target vqcprop shell_properties >&2
 }
 
 # build_stand_in_client N OUT: a DLL whose only content is product version N/100.N%100

@@ -25,24 +25,24 @@ struct ScriptedFile {
     std::vector<std::string> steps;
 
     bool ReadCurrent(std::string& out) {
-        steps.push_back("read");
+        steps.emplace_back("read");
         if (!exists || !readable) return false;
         out = bytes;
         return true;
     }
     bool CreateEmpty() {
-        steps.push_back("create");
+        steps.emplace_back("create");
         if (!creatable) return false;
         bytes.clear();
         exists = true;
         return true;
     }
     bool Write(const std::string& text) {
-        steps.push_back("write");
+        steps.emplace_back("write");
         return WriteFromStart(text);
     }
     bool PutBack(const std::string& old) {
-        steps.push_back("put back");
+        steps.emplace_back("put back");
         if (putBackFails) return false;
         if (!WriteFromStart(old)) return false;
         bytes.resize(old.size());
