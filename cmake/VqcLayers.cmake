@@ -1,13 +1,17 @@
 # The rooms of the tree from the bottom up. A room builds on the rooms below it and never on
 # one above: a library of a lower room that links a library of a higher room stops the
-# configuration, and scripts/check_layers.py (a test) does the same for includes.
+# configuration, and scripts/check_layers.py (a test) does the same for includes. What ships
+# (the DLL's rooms, tools/ with vqctool, packaging/) ranks below the tests; devtools/, the
+# developers' programs, builds on the tests' support and so ranks above them.
 set(VQC_ROOMS
   common=0
   connection=1 resources=1 registration=1 runtime=1
   ui=2
   pages=3
   shellext=4
-  tools=5 packaging=5 tests=5)
+  tools=5 packaging=5
+  tests=6
+  devtools=7)
 
 # The rank of a room by name; -1 for a folder that is no room (tests, third-party code).
 function(vqc_room_rank room out)
@@ -32,8 +36,19 @@ function(vqc_target_room target out)
   set(${out} ${room} PARENT_SCOPE)
 endfunction()
 
-# Fails the configuration when any target of a room links a target of a higher room
-# (tests/ counts as a room at the top, beside tools: only tools and tests link its support).
+# The targets defined in a folder and in every folder below it (tools/vqctool, tests/pages, ...).
+function(vqc_targets_below dir out)
+  get_property(targets DIRECTORY ${dir} PROPERTY BUILDSYSTEM_TARGETS)
+  get_property(subdirs DIRECTORY ${dir} PROPERTY SUBDIRECTORIES)
+  foreach(subdir IN LISTS subdirs)
+    vqc_targets_below(${subdir} more)
+    list(APPEND targets ${more})
+  endforeach()
+  set(${out} ${targets} PARENT_SCOPE)
+endfunction()
+
+# Fails the configuration when any target of a room, in its folder or a folder below it, links
+# a target of a higher room (tests/ is a room: only the tests and devtools/ link its support).
 function(vqc_check_room_links)
   foreach(entry IN LISTS VQC_ROOMS)
     string(REPLACE "=" ";" pair "${entry}")
@@ -42,7 +57,7 @@ function(vqc_check_room_links)
     if(NOT EXISTS ${PROJECT_SOURCE_DIR}/${room}/CMakeLists.txt)
       continue()
     endif()
-    get_property(targets DIRECTORY ${PROJECT_SOURCE_DIR}/${room} PROPERTY BUILDSYSTEM_TARGETS)
+    vqc_targets_below(${PROJECT_SOURCE_DIR}/${room} targets)
     foreach(target IN LISTS targets)
       # What a library links and what it hands on to whoever links it.
       set(links "")

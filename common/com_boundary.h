@@ -14,7 +14,7 @@ HRESULT GuardComCall(Body&& body) noexcept {
     try {
         return std::forward<Body>(body)();
     } catch (const HResultError& error) {
-        return static_cast<HRESULT>(error.code());
+        return static_cast<HRESULT>(error.Code());
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     } catch (...) {

@@ -12,7 +12,7 @@ constexpr std::int32_t kResultOutOfMemory = static_cast<std::int32_t>(0x8007000E
 class HResultError : public std::runtime_error {
 public:
     explicit HResultError(std::int32_t code) : std::runtime_error("HRESULT error"), code_(code) {}
-    std::int32_t code() const noexcept { return code_; }
+    std::int32_t Code() const noexcept { return code_; }
 
 private:
     std::int32_t code_;

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/ansi_text.h"
+
 namespace argument_text {
 
 namespace {
@@ -86,24 +88,11 @@ std::string PrepareCommandLine(std::string_view programPath, bool withProgramNam
 
 bool StartsDebuggerWait(std::string_view argument) noexcept { return argument.substr(0, 7) == "--debug"; }
 
-namespace {
-
-char LowerAscii(char c) noexcept { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (LowerAscii(a[i]) != LowerAscii(b[i])) return false;
-    return true;
-}
-
-}  // namespace
-
 const RegistrationKeyword* FindRegistrationKeyword(std::string_view argument) noexcept {
     if (argument.empty() || (argument[0] != '-' && argument[0] != '/')) return nullptr;
     const std::string_view word = argument.substr(1);
     for (const RegistrationKeyword& keyword : kRegistrationKeywords)
-        if (EqualsIgnoringCase(word, keyword.word)) return &keyword;
+        if (ansi_text::EqualsIgnoringCase(word, keyword.word)) return &keyword;
     return nullptr;
 }
 

@@ -93,7 +93,7 @@ IconImage IconImage::Make(const IconImageFormat& format, const std::vector<std::
     std::uint8_t* header = image.dib.data();
     PutLittleEndian(header + 0, kBitmapInfoHeaderBytes, 4);  // biSize
     PutLittleEndian(header + 4, static_cast<std::uint32_t>(format.width), 4);
-    PutLittleEndian(header + 8, static_cast<std::uint32_t>(format.height) * 2u, 4);  // XOR + AND rows
+    PutLittleEndian(header + 8, static_cast<std::uint64_t>(format.height) * 2u, 4);  // XOR + AND rows
     PutLittleEndian(header + 12, format.planes, 2);
     PutLittleEndian(header + 14, format.bitsPerPixel, 2);
     // biCompression, biSizeImage (written as 0 in the stream) and the rest stay 0.
@@ -175,8 +175,8 @@ std::int32_t ParseIconStream(std::string_view text, IconImageSink& sink) {
     const std::uint32_t count = GetLittleEndian(word, 2);
     if (count > kMaxIconImages) return 0;
 
-    std::array<std::uint8_t, kMaxIconImages * kIconDirectoryEntryBytes> directory;
-    reader.Read(directory.data(), kIconDirectoryEntryBytes * count);
+    std::array<std::uint8_t, std::size_t{kMaxIconImages} * kIconDirectoryEntryBytes> directory;
+    reader.Read(directory.data(), std::size_t{kIconDirectoryEntryBytes} * count);
 
     std::array<std::uint8_t, kMaxIconImageBytes> image;
     bool taken = false;

@@ -39,16 +39,16 @@ public:
     ~MappedFile() { Close(); }
 
     // Opens, maps and views the whole file; stops at the first step that fails and keeps
-    // its GetLastError() in error(). An empty file cannot be mapped, so it fails too.
+    // its GetLastError() in Error(). An empty file cannot be mapped, so it fails too.
     // A size of 0xFFFFFFFF from GetFileSize counts as 0; only the low 32 bits are used.
     bool Open(const char* path, MapAccess access = MapAccess::ReadOnly);
 
     // Unmaps the view, closes the file, then the mapping.
     void Close() noexcept;
 
-    const void* view() const noexcept { return view_.Get(); }
-    std::uint32_t size() const noexcept { return size_; }
-    DWORD error() const noexcept { return error_; }
+    const void* View() const noexcept { return view_.Get(); }
+    std::uint32_t Size() const noexcept { return size_; }
+    DWORD Error() const noexcept { return error_; }
 
 private:
     bool Fail() noexcept;

@@ -1,6 +1,7 @@
 #include "connection/option_line.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "common/ansi_text.h"
 
@@ -76,9 +77,10 @@ void EmitOption(std::string& out, char letter, const char* value, bool alwaysQuo
         return;
     }
     const std::size_t length = std::strlen(value);
+    const std::string_view text(value, length);
     // A tab separates arguments on reading as a blank does, so it is quoted the same way.
-    const bool quote = !EnclosedInQuotes(value, length) && (alwaysQuote || std::memchr(value, ' ', length) != nullptr ||
-                                                            std::memchr(value, '\t', length) != nullptr);
+    const bool quote = !EnclosedInQuotes(value, length) && (alwaysQuote || text.find(' ') != std::string_view::npos ||
+                                                            text.find('\t') != std::string_view::npos);
     // Appended piecewise rather than through "%s": the icon text alone can be large.
     out.push_back('-');
     out.push_back(letter);

@@ -36,6 +36,18 @@ private:
     std::deque<std::string> texts_;  // a deque keeps every text where it was
 };
 
+// Running out of memory for a text surfaces as the HRESULT the COM boundary hands on.
+template <typename Read>
+std::int32_t WithHResultErrors(Read read) {
+    try {
+        return read();
+    } catch (const std::bad_alloc&) {
+        throw HResultError(kResultOutOfMemory);
+    } catch (const std::length_error&) {
+        throw HResultError(kResultInvalidArg);
+    }
+}
+
 }  // namespace
 
 void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
@@ -50,24 +62,11 @@ void VQCFileInfo::ApplyIconInstruction(const IconInstruction& instruction) {
 }
 
 std::int32_t VQCFileInfo::Read(const char* path) {
-    // Running out of memory for a text surfaces as the HRESULT the COM boundary hands on.
-    try {
-        return ReadMapped(path, true);
-    } catch (const std::bad_alloc&) {
-        throw HResultError(kResultOutOfMemory);
-    } catch (const std::length_error&) {
-        throw HResultError(kResultInvalidArg);
-    }
+    return WithHResultErrors([&] { return ReadMapped(path, true); });
 }
 
 std::int32_t VQCFileInfo::ReadForIcon(const char* path) {
-    try {
-        return ReadMapped(path, false);
-    } catch (const std::bad_alloc&) {
-        throw HResultError(kResultOutOfMemory);
-    } catch (const std::length_error&) {
-        throw HResultError(kResultInvalidArg);
-    }
+    return WithHResultErrors([&] { return ReadMapped(path, false); });
 }
 
 std::int32_t VQCFileInfo::ReadMapped(const char* path, bool withCommandText) {
@@ -77,14 +76,14 @@ std::int32_t VQCFileInfo::ReadMapped(const char* path, bool withCommandText) {
     {
         MappedFile file;
         const bool opened = file.Open(path, MapAccess::ReadOnly);
-        if (file.size() == 0) {
-            lastError = opened ? GetLastError() : file.error();
+        if (file.Size() == 0) {
+            lastError = opened ? GetLastError() : file.Error();
             return 1;
         }
-        if (!file.view() || file.size() > kLargestReadableFile) throw HResultError(kResultInvalidArg);
+        if (!file.View() || file.Size() > kLargestReadableFile) throw HResultError(kResultInvalidArg);
         // The joined line is copied straight out of the view: a copy of the file's bytes of
         // their own first would double what a large file costs in fresh memory.
-        const std::string_view bytes(static_cast<const char*>(file.view()), file.size());
+        const std::string_view bytes(static_cast<const char*>(file.View()), file.Size());
         if (withCommandText) {
             BuildArgumentVector(bytes, &argc, &argv, true, nullptr, nullptr, nullptr);
         } else {

@@ -6,9 +6,11 @@
 #include "pages/connection_page_environment.h"
 #include "pages/resize_maps.h"
 #include "ui/scoped_flag.h"
+#include "resources/dialog_ids.h"
 #include "resources/local_string_cache.h"
 
 using namespace connection_page;
+using namespace dialog_ids;
 
 namespace {
 

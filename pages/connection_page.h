@@ -15,11 +15,9 @@
 
 class CVQCConnectionPage final : public CVQCPropertyPageImpl<CVQCConnectionPage> {
 public:
-    static constexpr int kTemplateIndex = 1;
+    static constexpr int kTemplateIndex = dialog_ids::kConnectionPageTemplate;
     static constexpr std::uint32_t kTitleStringId = 21;
 
-    // record may be null (the page then shows its controls and changes nothing); title is
-    // the tab's text or null.
     CVQCConnectionPage(VQCFileInfo* record, const char* title);
 
     static const ResizeMapEntry* ResizeMap() noexcept;

@@ -3,6 +3,9 @@
 #include <algorithm>
 
 #include "common/ansi_text.h"
+#include "resources/dialog_ids.h"
+
+using namespace dialog_ids;
 
 namespace connection_page {
 

@@ -13,39 +13,13 @@
 #include <vector>
 
 #include "connection/connection_settings.h"
+#include "resources/dialog_ids.h"
 
 namespace connection_page {
 
-// Control ids of the Connection page's dialog template.
-enum ControlId : int {
-    kConnectionTypeLabel = 1001,
-    kConnectionTypeList = 1002,
-    kDiscoveryLoginLabel = 1003,
-    kDiscoveryLoginEdit = 1004,
-    kServerLabel = 1005,
-    kServerBox = 1006,
-    kLoginTypeLabel = 1007,
-    kLoginTypeList = 1008,
-    kLoginLabel = 1009,
-    kLoginEdit = 1010,
-    kCommandLineLabel = 1011,
-    kCommandLineEdit = 1012,
-    kStartDirectoryLabel = 1013,
-    kStartDirectoryEdit = 1014,
-    kServiceNameLabel = 1015,
-    kServiceNameEdit = 1016,
-    kServicePortLabel = 1017,
-    kServicePortEdit = 1018,
-    kBookmarkLabel = 1019,
-    kBookmarkEdit = 1020,
-    kAnswerBackLabel = 1021,
-    kAnswerBackEdit = 1022,
-    kEncryptionCheck = 1023,
-    kLegacyProtocolCheck = 1024,
-};
-
-constexpr int kFirstControlId = kConnectionTypeLabel;
-constexpr int kLastControlId = kLegacyProtocolCheck;
+// The Connection page's control ids run from the first to the last without a gap.
+constexpr int kFirstControlId = dialog_ids::kConnectionTypeLabel;
+constexpr int kLastControlId = dialog_ids::kLegacyProtocolCheck;
 
 // Client versions that gate entries and controls.
 constexpr std::int32_t kDiscoveryFromVersion = 665;    // "Discover service" offered
@@ -59,7 +33,7 @@ constexpr std::int32_t kLegacyProtocolLastVersion = 689;
 constexpr std::int32_t kDefaultServicePort = 790;
 constexpr std::int32_t kDefaultEncryptedServicePort = 4790;
 
-// ---- Connection types (list 1002, sorted by the combo box) ----
+// ---- Connection types (kConnectionTypeList, sorted by the combo box) ----
 
 enum class ConnectionType : std::uint8_t { Remote, Local, Discovery };
 constexpr std::size_t kConnectionTypeCount = 3;
@@ -103,7 +77,7 @@ ConnectionType ConnectionTypeOf(const ConnectionSettings& record) noexcept;
 // Sets localConnect and optionK as the type's entry says.
 void StoreConnectionType(ConnectionSettings& record, ConnectionType type) noexcept;
 
-// ---- Login types (list 1008, in table order) ----
+// ---- Login types (kLoginTypeList, in table order) ----
 
 enum class LoginType : std::uint8_t {
     AlwaysRequirePassword,

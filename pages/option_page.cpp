@@ -20,7 +20,6 @@ static_assert(option_page::kDrawEntire == ODA_DRAWENTIRE && option_page::kDrawSe
               option_page::kDrawFocus == ODA_FOCUS);
 static_assert(option_page::kStateSelected == ODS_SELECTED && option_page::kStateFocus == ODS_FOCUS);
 static_assert(option_page::kColourWindow == COLOR_WINDOW && option_page::kColourHighlight == COLOR_HIGHLIGHT);
-static_assert(option_page::kIconListId == CVQCOptionPage::kIconListId);
 
 constexpr std::size_t kPathBufferChars = 261;
 
@@ -66,12 +65,12 @@ bool CVQCOptionPage::OnDestroy() {
 
 void CVQCOptionPage::OnInitDialog() {
     DlgResize_Init();
-    m_browseButton = Control(kBrowseButtonId);
-    m_dynamicSizing = Control(kDynamicSizingId);
-    m_iconList.Attach(Control(kIconListId));
-    m_smallIconView = Control(kSmallIconViewId);
-    m_largeIconView = Control(kLargeIconViewId);
-    m_sourceLabel = Control(kSourceLabelId);
+    m_browseButton = Control(dialog_ids::kBrowseButton);
+    m_dynamicSizing = Control(dialog_ids::kDynamicSizingCheck);
+    m_iconList.Attach(Control(dialog_ids::kIconList));
+    m_smallIconView = Control(dialog_ids::kSmallIconView);
+    m_largeIconView = Control(dialog_ids::kLargeIconView);
+    m_sourceLabel = Control(dialog_ids::kIconSourceLabel);
     VQCFileInfo* record = Record();
     if (!record) return;
 
@@ -89,10 +88,10 @@ void CVQCOptionPage::OnInitDialog() {
 
 bool CVQCOptionPage::OnCommand(int id, int code) {
     switch (id) {
-    case kBrowseButtonId:
+    case dialog_ids::kBrowseButton:
         if (code == BN_CLICKED && Record()) OnBrowse();
         return true;
-    case kIconListId:
+    case dialog_ids::kIconList:
         if (code == LBN_SELCHANGE && Record()) {
             const LRESULT index = SendMessageA(m_iconList.Window(), LB_GETCURSEL, 0, 0);
             if (index == LB_ERR) return true;
@@ -100,7 +99,7 @@ bool CVQCOptionPage::OnCommand(int id, int code) {
             SendChanged();
         }
         return true;
-    case kDynamicSizingId:
+    case dialog_ids::kDynamicSizingCheck:
         if (code == BN_CLICKED && Record()) {
             const bool checked = SendMessageA(m_dynamicSizing, BM_GETCHECK, 0, 0) == BST_CHECKED;
             Record()->option_s = option_page::OptionSFromCheck(checked);

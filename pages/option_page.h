@@ -12,26 +12,18 @@
 #include "ui/icon_list_box.h"
 #include "ui/owner_draw_router.h"
 #include "pages/property_page.h"
+#include "resources/dialog_ids.h"
 #include "ui/resize_layout.h"
 
 class CVQCOptionPage final : public CVQCPropertyPageImpl<CVQCOptionPage>, public OwnerDrawRouter<CVQCOptionPage> {
 public:
-    static constexpr int kTemplateIndex = 3;
+    static constexpr int kTemplateIndex = dialog_ids::kOptionsPageTemplate;
     static constexpr std::uint32_t kTitleStringId = 23;
     static constexpr std::uint32_t kSourceLabelStringId = 24;  // "Look for icons in: %1"
     static constexpr std::uint32_t kFilterStringId = 40;       // the browse dialog's filter list
     static constexpr DWORD kBrowseFlags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY;
 
-    // Control ids of template 3.
-    static constexpr int kLargeIconViewId = 1037;
-    static constexpr int kSmallIconViewId = 1038;
-    static constexpr int kSourceLabelId = 1039;
-    static constexpr int kBrowseButtonId = 1040;
-    static constexpr int kIconListId = 1041;
-    static constexpr int kDynamicSizingId = 1042;
-
-    // record may be null (the page then shows its controls and changes nothing); title is
-    // the tab's text or null. Reads the desktop's icon size.
+    // Reads the desktop's icon size.
     CVQCOptionPage(VQCFileInfo* record, const char* title);
     ~CVQCOptionPage() override;
 
@@ -72,7 +64,7 @@ private:
     int m_iconSize;
     HWND m_browseButton = nullptr;
     HWND m_dynamicSizing = nullptr;
-    IconListBox m_iconList;  // control 1041; owns its items' icons
+    IconListBox m_iconList;  // owns its items' icons
     HWND m_smallIconView = nullptr;
     HWND m_largeIconView = nullptr;
     HWND m_sourceLabel = nullptr;

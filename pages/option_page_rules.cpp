@@ -26,7 +26,7 @@ ItemPoint IconOrigin(const ItemRect& item, int iconSize) noexcept {
 ItemPaint PlanItemPaint(std::uint32_t controlId, std::int32_t itemId, std::uint32_t action,
                         std::uint32_t state) noexcept {
     ItemPaint paint;
-    if (controlId != kIconListId || itemId < 0) return paint;
+    if (controlId != static_cast<std::uint32_t>(dialog_ids::kIconList) || itemId < 0) return paint;
     if (action & (kDrawEntire | kDrawSelect)) {
         paint.background = true;
         paint.colour = (state & kStateSelected) ? kColourHighlight : kColourWindow;

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "resources/dialog_ids.h"
+
 namespace option_page {
 
 constexpr int kDefaultIconSize = 32;
@@ -43,7 +45,7 @@ struct ItemPoint {
 // division, so an item smaller than the icon puts it above and left of the item).
 ItemPoint IconOrigin(const ItemRect& item, int iconSize) noexcept;
 
-// Owner-draw actions and states, control and colour numbers as Windows numbers them.
+// Owner-draw actions and states and colour numbers as Windows numbers them.
 constexpr std::uint32_t kDrawEntire = 0x1;     // ODA_DRAWENTIRE
 constexpr std::uint32_t kDrawSelect = 0x2;     // ODA_SELECT
 constexpr std::uint32_t kDrawFocus = 0x4;      // ODA_FOCUS
@@ -51,7 +53,6 @@ constexpr std::uint32_t kStateSelected = 0x1;  // ODS_SELECTED
 constexpr std::uint32_t kStateFocus = 0x10;    // ODS_FOCUS
 constexpr int kColourWindow = 5;               // COLOR_WINDOW
 constexpr int kColourHighlight = 13;           // COLOR_HIGHLIGHT
-constexpr std::uint32_t kIconListId = 1041;
 
 // What to paint for one WM_DRAWITEM.
 struct ItemPaint {

@@ -167,9 +167,9 @@ public:
     }
 
 protected:
-    // record may be null; the page takes its own reference. templateIndex is the dialog
-    // template (1 Connection, 2 Proxy, 3 Options); title is the tab's 8-bit text or null
-    // for none. Throws std::bad_alloc when no template can be had.
+    // record may be null (the page then shows its controls and changes nothing); the page
+    // takes its own reference. templateIndex is the dialog template (dialog_ids.h); title is
+    // the tab's 8-bit text or null for none. Throws std::bad_alloc when no template can be had.
     CVQCPropertyPageImpl(VQCFileInfo* record, int templateIndex, const char* title)
         : m_record(record), m_template(AllocDialogTemplate(templateIndex, 0)) {
         if (!m_template) throw std::bad_alloc();
@@ -269,7 +269,7 @@ private:
             if (m_record->Write(m_record->filePath.c_str()) != 0) error = m_record->lastError;
         } catch (const HResultError& failure) {
             // No memory for the file's text: as much a failed save as a full disk.
-            error = static_cast<DWORD>(failure.code());
+            error = static_cast<DWORD>(failure.Code());
         }
         if (error != ERROR_SUCCESS) {
             ReportSaveFailure(GetParent(m_window), m_record->filePath, error);

@@ -2,7 +2,11 @@
 
 #include "pages/resize_maps.h"
 #include "ui/scoped_flag.h"
+#include "resources/dialog_ids.h"
 #include "resources/local_string_cache.h"
+
+using namespace dialog_ids;
+using namespace proxy_page;
 
 CVQCProxyPage::CVQCProxyPage(VQCFileInfo* record, const char* title)
     : CVQCPropertyPageImpl(record, kTemplateIndex, title) {}

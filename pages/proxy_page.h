@@ -8,15 +8,14 @@
 
 #include "pages/property_page.h"
 #include "pages/proxy_page_rules.h"
+#include "resources/dialog_ids.h"
 #include "ui/resize_layout.h"
 
 class CVQCProxyPage final : public CVQCPropertyPageImpl<CVQCProxyPage> {
 public:
-    static constexpr int kTemplateIndex = 2;
+    static constexpr int kTemplateIndex = dialog_ids::kProxyPageTemplate;
     static constexpr std::uint32_t kTitleStringId = 48;
 
-    // record may be null (the page then shows its controls and changes nothing); title is
-    // the tab's text or null.
     CVQCProxyPage(VQCFileInfo* record, const char* title);
 
     static const ResizeMapEntry* ResizeMap() noexcept;
@@ -39,7 +38,7 @@ private:
     HWND m_brokerHostEdit = nullptr;
     HWND m_brokerPortEdit = nullptr;
     HWND m_dialUpCheckBox = nullptr;
-    RouteListIndices m_routeIndices;
+    proxy_page::RouteListIndices m_routeIndices;
     // Set while WM_INITDIALOG puts the record's values into the edits: the edit-change
     // notifications that setting a text sends are not the user's edits.
     bool m_filling = false;

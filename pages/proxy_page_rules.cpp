@@ -3,6 +3,11 @@
 #include <limits>
 
 #include "common/ansi_text.h"
+#include "resources/dialog_ids.h"
+
+using namespace dialog_ids;
+
+namespace proxy_page {
 
 namespace {
 
@@ -143,3 +148,5 @@ void StoreDialUpCheck(ConnectionSettings& record, bool checked) noexcept {
     record.brokerUpperF = checked ? 1 : 0;
     record.modified = 1;
 }
+
+}  // namespace proxy_page

@@ -9,21 +9,7 @@
 
 #include "connection/connection_settings.h"
 
-// Control ids of the Proxy page's template.
-enum ProxyPageControl : int {
-    kProxyRouteList = 1002,
-    kProxyHostLabel = 1025,
-    kProxyHostEdit = 1026,
-    kProxyPortLabel = 1027,
-    kProxyPortEdit = 1028,
-    kProxyUserLabel = 1029,
-    kProxyUserEdit = 1030,
-    kBrokerHostLabel = 1031,
-    kBrokerHostEdit = 1032,
-    kBrokerPortLabel = 1033,
-    kBrokerPortEdit = 1034,
-    kDialUpCheckBox = 1035,
-};
+namespace proxy_page {
 
 // Layout masks: which group a route shows.
 constexpr std::uint32_t kDirectLayout = 1;
@@ -126,3 +112,5 @@ void StoreRouteSelection(ConnectionSettings& record, int selection, const RouteL
 void StoreEditedText(ConnectionSettings& record, const TextEditRow& row, std::string_view text);
 void StoreEditedPort(ConnectionSettings& record, const PortEditRow& row, std::string_view text) noexcept;
 void StoreDialUpCheck(ConnectionSettings& record, bool checked) noexcept;
+
+}  // namespace proxy_page

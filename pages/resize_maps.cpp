@@ -1,41 +1,45 @@
 #include "pages/resize_maps.h"
 
+#include "resources/dialog_ids.h"
+
+using namespace dialog_ids;
+
 // clang-format off
 const ResizeMapEntry kConnectionPageResizeMap[] = {
-    {1002, DLSZ_SIZE_X},  // connection type
-    {1006, DLSZ_SIZE_X},  // server
-    {1010, DLSZ_SIZE_X},  // login (remote layout)
-    {1004, DLSZ_SIZE_X},  // login (discovery layout)
-    {1008, DLSZ_SIZE_X},  // login type
-    {1012, DLSZ_SIZE_X},  // local command line
-    {1014, DLSZ_SIZE_X},  // start directory
-    {1020, DLSZ_SIZE_X},  // bookmark
-    {1016, DLSZ_SIZE_X},  // service name
-    {1018, DLSZ_SIZE_X},  // service port
-    {1022, DLSZ_SIZE_X},  // answer back
+    {kConnectionTypeList, DLSZ_SIZE_X},
+    {kServerBox, DLSZ_SIZE_X},
+    {kLoginEdit, DLSZ_SIZE_X},
+    {kDiscoveryLoginEdit, DLSZ_SIZE_X},
+    {kLoginTypeList, DLSZ_SIZE_X},
+    {kCommandLineEdit, DLSZ_SIZE_X},
+    {kStartDirectoryEdit, DLSZ_SIZE_X},
+    {kBookmarkEdit, DLSZ_SIZE_X},
+    {kServiceNameEdit, DLSZ_SIZE_X},
+    {kServicePortEdit, DLSZ_SIZE_X},
+    {kAnswerBackEdit, DLSZ_SIZE_X},
     kResizeMapEnd,
 };
 // clang-format on
 
 // clang-format off
 const ResizeMapEntry kProxyPageResizeMap[] = {
-    {1002, DLSZ_SIZE_X},  // route
-    {1026, DLSZ_SIZE_X},  // proxy server
-    {1028, DLSZ_SIZE_X},  // proxy port
-    {1030, DLSZ_SIZE_X},  // proxy user
-    {1035, DLSZ_SIZE_X},  // dial-up/ISDN check box
-    {1032, DLSZ_SIZE_X},  // broker
-    {1034, DLSZ_SIZE_X},  // broker port
+    {kProxyRouteList, DLSZ_SIZE_X},
+    {kProxyHostEdit, DLSZ_SIZE_X},
+    {kProxyPortEdit, DLSZ_SIZE_X},
+    {kProxyUserEdit, DLSZ_SIZE_X},
+    {kDialUpCheckBox, DLSZ_SIZE_X},
+    {kBrokerHostEdit, DLSZ_SIZE_X},
+    {kBrokerPortEdit, DLSZ_SIZE_X},
     kResizeMapEnd,
 };
 // clang-format on
 
 // clang-format off
 const ResizeMapEntry kOptionPageResizeMap[] = {
-    {1039, DLSZ_SIZE_X},                // text line above the icon list
-    {1040, DLSZ_MOVE_X},                // "&Browse Icon ..."
-    {1041, DLSZ_SIZE_X | DLSZ_SIZE_Y},  // icon list
-    {1042, DLSZ_MOVE_Y},                // "&Dynamic screen sizing"
+    {kIconSourceLabel, DLSZ_SIZE_X},
+    {kBrowseButton, DLSZ_MOVE_X},
+    {kIconList, DLSZ_SIZE_X | DLSZ_SIZE_Y},
+    {kDynamicSizingCheck, DLSZ_MOVE_Y},
     kResizeMapEnd,
 };
 // clang-format on

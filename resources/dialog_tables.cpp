@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "resources/dialog_ids.h"
 #include "resources/local_strings.h"
 
 std::int32_t ResolveLocalValue(const LocalValue* list, int languageIndex) noexcept {
@@ -16,6 +17,8 @@ std::int32_t ResolveLocalValue(const LocalValue* list, int languageIndex) noexce
 }
 
 namespace {
+
+using namespace dialog_ids;
 
 // A list holding one value for every language. Equal values share one node.
 template <std::uint32_t V>
@@ -45,80 +48,79 @@ constexpr ControlDesc Control(std::int32_t id, const LocalValue* x, const LocalV
 }
 
 // Template 1, Connection page. Groups that the page shows one at a time share places.
-//                                  id    x           y            cx           cy           style
 // clang-format off
 constexpr ControlDesc kConnection[] = {
-    Control(1001, &kAll<6>,  &kAll<6>,   &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(15)),
-    Control(1002, &kAll<68>, &kAll<4>,   &kAll<104>, &kAll<100>, &kAll<0x50210103>, kComboBox, kNoCaption),
-    Control(1003, &kAll<6>,  &kAll<24>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(12)),
-    Control(1004, &kAll<68>, &kAll<22>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1005, &kAll<6>,  &kAll<23>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(11)),
-    Control(1006, &kAll<68>, &kAll<21>,  &kAll<104>, &kAll<74>,  &kAll<0x50210042>, kComboBox, kNoCaption),
-    Control(1007, &kAll<6>,  &kAll<40>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(16)),
-    Control(1008, &kAll<68>, &kAll<38>,  &kAll<104>, &kAll<76>,  &kAll<0x50210043>, kComboBox, kNoCaption),
-    Control(1009, &kAll<6>,  &kAll<56>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(12)),
-    Control(1010, &kAll<68>, &kAll<54>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1011, &kAll<6>,  &kAll<21>,  &kAll<109>, &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(13)),
-    Control(1012, &kAll<6>,  &kAll<34>,  &kAll<166>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1013, &kAll<6>,  &kAll<49>,  &kAll<109>, &kAll<20>,  &kAll<kLabel>,     kStatic,   LocalTexts(17)),
-    Control(1014, &kAll<6>,  &kAll<60>,  &kAll<166>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1015, &kAll<6>,  &kAll<72>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(18)),
-    Control(1016, &kAll<68>, &kAll<70>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1017, &kAll<6>,  &kAll<88>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(19)),
-    Control(1018, &kAll<68>, &kAll<86>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
-    Control(1019, &kAll<6>,  &kAll<104>, &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(46)),
-    Control(1020, &kAll<68>, &kAll<102>, &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1021, &kAll<6>,  &kAll<120>, &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(9)),
-    Control(1022, &kAll<68>, &kAll<118>, &kAll<104>, &kAll<13>,  &kAll<0x508100C4>, kEdit,     kNoCaption),
-    Control(1023, &kAll<6>,  &kAll<136>, &kAll<140>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(0)),
-    Control(1024, &kAll<6>,  &kAll<170>, &kAll<200>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(1)),
+//          id                    x          y           cx          cy          style              class      caption
+    Control(kConnectionTypeLabel, &kAll<6>,  &kAll<6>,   &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(15)),
+    Control(kConnectionTypeList,  &kAll<68>, &kAll<4>,   &kAll<104>, &kAll<100>, &kAll<0x50210103>, kComboBox, kNoCaption),
+    Control(kDiscoveryLoginLabel, &kAll<6>,  &kAll<24>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(12)),
+    Control(kDiscoveryLoginEdit,  &kAll<68>, &kAll<22>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kServerLabel,         &kAll<6>,  &kAll<23>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(11)),
+    Control(kServerBox,           &kAll<68>, &kAll<21>,  &kAll<104>, &kAll<74>,  &kAll<0x50210042>, kComboBox, kNoCaption),
+    Control(kLoginTypeLabel,      &kAll<6>,  &kAll<40>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(16)),
+    Control(kLoginTypeList,       &kAll<68>, &kAll<38>,  &kAll<104>, &kAll<76>,  &kAll<0x50210043>, kComboBox, kNoCaption),
+    Control(kLoginLabel,          &kAll<6>,  &kAll<56>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(12)),
+    Control(kLoginEdit,           &kAll<68>, &kAll<54>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kCommandLineLabel,    &kAll<6>,  &kAll<21>,  &kAll<109>, &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(13)),
+    Control(kCommandLineEdit,     &kAll<6>,  &kAll<34>,  &kAll<166>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kStartDirectoryLabel, &kAll<6>,  &kAll<49>,  &kAll<109>, &kAll<20>,  &kAll<kLabel>,     kStatic,   LocalTexts(17)),
+    Control(kStartDirectoryEdit,  &kAll<6>,  &kAll<60>,  &kAll<166>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kServiceNameLabel,    &kAll<6>,  &kAll<72>,  &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(18)),
+    Control(kServiceNameEdit,     &kAll<68>, &kAll<70>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kServicePortLabel,    &kAll<6>,  &kAll<88>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(19)),
+    Control(kServicePortEdit,     &kAll<68>, &kAll<86>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(kBookmarkLabel,       &kAll<6>,  &kAll<104>, &kAll<60>,  &kAll<8>,   &kAll<kLabel>,     kStatic,   LocalTexts(46)),
+    Control(kBookmarkEdit,        &kAll<68>, &kAll<102>, &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kAnswerBackLabel,     &kAll<6>,  &kAll<120>, &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(9)),
+    Control(kAnswerBackEdit,      &kAll<68>, &kAll<118>, &kAll<104>, &kAll<13>,  &kAll<0x508100C4>, kEdit,     kNoCaption),
+    Control(kEncryptionCheck,     &kAll<6>,  &kAll<136>, &kAll<140>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(0)),
+    Control(kLegacyProtocolCheck, &kAll<6>,  &kAll<170>, &kAll<200>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(1)),
 };
 // clang-format on
 
-// Template 2, Proxy page. The proxy group (1025-1030) and the broker group (1031-1034)
-// share their places; the route list reuses id 1002.
+// Template 2, Proxy page. The proxy group and the broker group share their places.
 // clang-format off
 constexpr ControlDesc kProxy[] = {
-    Control(1002, &kAll<6>,  &kAll<4>,   &kAll<165>, &kAll<47>,  &kAll<0x50010443>, kComboBox, kNoCaption),
-    Control(1025, &kAll<6>,  &kAll<25>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(2)),
-    Control(1026, &kAll<68>, &kAll<23>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1027, &kAll<6>,  &kAll<41>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(3)),
-    Control(1028, &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
-    Control(1029, &kAll<6>,  &kAll<57>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(4)),
-    Control(1030, &kAll<68>, &kAll<55>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1031, &kAll<6>,  &kAll<25>,  &kAll<65>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(7)),
-    Control(1032, &kAll<68>, &kAll<23>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1033, &kAll<6>,  &kAll<41>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(8)),
-    Control(1034, &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
-    Control(1035, &kAll<6>,  &kAll<57>,  &kAll<165>, &kAll<26>,  &kAll<0x50012403>, kButton,   LocalTexts(6)),
+    Control(kProxyRouteList,  &kAll<6>,  &kAll<4>,   &kAll<165>, &kAll<47>,  &kAll<0x50010443>, kComboBox, kNoCaption),
+    Control(kProxyHostLabel,  &kAll<6>,  &kAll<25>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(2)),
+    Control(kProxyHostEdit,   &kAll<68>, &kAll<23>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kProxyPortLabel,  &kAll<6>,  &kAll<41>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(3)),
+    Control(kProxyPortEdit,   &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(kProxyUserLabel,  &kAll<6>,  &kAll<57>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(4)),
+    Control(kProxyUserEdit,   &kAll<68>, &kAll<55>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kBrokerHostLabel, &kAll<6>,  &kAll<25>,  &kAll<65>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(7)),
+    Control(kBrokerHostEdit,  &kAll<68>, &kAll<23>,  &kAll<104>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kBrokerPortLabel, &kAll<6>,  &kAll<41>,  &kAll<60>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(8)),
+    Control(kBrokerPortEdit,  &kAll<68>, &kAll<39>,  &kAll<104>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(kDialUpCheckBox,  &kAll<6>,  &kAll<57>,  &kAll<165>, &kAll<26>,  &kAll<0x50012403>, kButton,   LocalTexts(6)),
 };
 // clang-format on
 
 // Template 3, Options page.
 // clang-format off
 constexpr ControlDesc kOptions[] = {
-    Control(1036, &kAll<9>,  &kAll<6>,   &kAll<25>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(25)),
-    Control(1037, &kAll<35>, &kAll<6>,   &kAll<32>,  &kAll<32>,  &kAll<0x50000003>, kStatic,   kNoCaption),
-    Control(1038, &kAll<74>, &kAll<6>,   &kAll<16>,  &kAll<16>,  &kAll<0x50000003>, kStatic,   kNoCaption),
-    Control(1039, &kAll<9>,  &kAll<38>,  &kAll<70>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   kNoCaption),
-    Control(1040, &kAll<82>, &kAll<36>,  &kBrowseWidth, &kAll<14>, &kAll<0x50010000>, kButton, LocalTexts(22)),
-    Control(1041, &kAll<9>,  &kAll<52>,  &kAll<165>, &kAll<120>, &kAll<0x50900311>, kListBox,  kNoCaption),
-    Control(1042, &kAll<9>,  &kAll<180>, &kAll<125>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(10)),
+    Control(kIconLabel,          &kAll<9>,  &kAll<6>,   &kAll<25>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(25)),
+    Control(kLargeIconView,      &kAll<35>, &kAll<6>,   &kAll<32>,  &kAll<32>,  &kAll<0x50000003>, kStatic,   kNoCaption),
+    Control(kSmallIconView,      &kAll<74>, &kAll<6>,   &kAll<16>,  &kAll<16>,  &kAll<0x50000003>, kStatic,   kNoCaption),
+    Control(kIconSourceLabel,    &kAll<9>,  &kAll<38>,  &kAll<70>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   kNoCaption),
+    Control(kBrowseButton,       &kAll<82>, &kAll<36>,  &kBrowseWidth, &kAll<14>, &kAll<0x50010000>, kButton, LocalTexts(22)),
+    Control(kIconList,           &kAll<9>,  &kAll<52>,  &kAll<165>, &kAll<120>, &kAll<0x50900311>, kListBox,  kNoCaption),
+    Control(kDynamicSizingCheck, &kAll<9>,  &kAll<180>, &kAll<125>, &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(10)),
 };
 // clang-format on
 
 // Template 4, Connection Details.
 // clang-format off
 constexpr ControlDesc kConnectionDetails[] = {
-    Control(1043, &kAll<16>, &kAll<9>,   &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(43)),
-    Control(1044, &kAll<95>, &kAll<7>,   &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1045, &kAll<15>, &kAll<33>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(44)),
-    Control(1046, &kAll<95>, &kAll<31>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1047, &kAll<15>, &kAll<58>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(45)),
-    Control(1048, &kAll<95>, &kAll<56>,  &kAll<150>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
-    Control(1049, &kAll<17>, &kAll<82>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(46)),
-    Control(1050, &kAll<95>, &kAll<81>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
-    Control(1051, &kAll<17>, &kAll<112>, &kAll<88>,  &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(47)),
+    Control(kDetailsServerLabel,      &kAll<16>, &kAll<9>,   &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(43)),
+    Control(kDetailsServerEdit,       &kAll<95>, &kAll<7>,   &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kDetailsServiceNameLabel, &kAll<15>, &kAll<33>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(44)),
+    Control(kDetailsServiceNameEdit,  &kAll<95>, &kAll<31>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kDetailsServicePortLabel, &kAll<15>, &kAll<58>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(45)),
+    Control(kDetailsServicePortEdit,  &kAll<95>, &kAll<56>,  &kAll<150>, &kAll<13>,  &kAll<kNumberBox>, kEdit,     kNoCaption),
+    Control(kDetailsBookmarkLabel,    &kAll<17>, &kAll<82>,  &kAll<75>,  &kAll<9>,   &kAll<kLabel>,     kStatic,   LocalTexts(46)),
+    Control(kDetailsBookmarkEdit,     &kAll<95>, &kAll<81>,  &kAll<150>, &kAll<13>,  &kAll<kTextBox>,   kEdit,     kNoCaption),
+    Control(kDetailsEncryptionCheck,  &kAll<17>, &kAll<112>, &kAll<88>,  &kAll<13>,  &kAll<kCheckBox>,  kButton,   LocalTexts(47)),
 };
 // clang-format on
 
@@ -138,19 +140,18 @@ constexpr std::uint32_t kControlParent = 0x10000;    // WS_EX_CONTROLPARENT
 constexpr const char16_t* kShellDialogFace = u"MS Shell Dlg";
 
 // clang-format off
-constexpr DialogDesc kConnectionPage{1, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<176>,
-                                     &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+constexpr DialogDesc kConnectionPage{{kConnectionPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<176>,
+                                      &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr},
                                      8, kShellDialogFace, ControlList<kConnection>()};
-constexpr DialogDesc kProxyPage{2, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
-                                &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+constexpr DialogDesc kProxyPage{{kProxyPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
+                                 &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr},
                                 8, kShellDialogFace, ControlList<kProxy>()};
-constexpr DialogDesc kOptionsPage{3, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
-                                  &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr,
+constexpr DialogDesc kOptionsPage{{kOptionsPageTemplate, &kAll<0>, &kAll<0>, &kAll<184>, &kAll<196>,
+                                   &kAll<kPageStyle>, &kAll<kControlParent>, nullptr, nullptr},
                                   8, kShellDialogFace, ControlList<kOptions>()};
-constexpr DialogDesc kConnectionDetailsDialog{4, &kAll<0>, &kAll<0>, &kAll<320>, &kAll<140>,
-                                              &kAll<kDetailsStyle>, &kAll<kControlParent>, nullptr,
-                                              LocalTexts(41), 8, kShellDialogFace,
-                                              ControlList<kConnectionDetails>()};
+constexpr DialogDesc kConnectionDetailsDialog{{kConnectionDetailsTemplate, &kAll<0>, &kAll<0>, &kAll<320>, &kAll<140>,
+                                               &kAll<kDetailsStyle>, &kAll<kControlParent>, nullptr, LocalTexts(41)},
+                                              8, kShellDialogFace, ControlList<kConnectionDetails>()};
 // clang-format on
 
 }  // namespace

@@ -15,8 +15,9 @@ struct LocalValue {
 // language 1, else 0.
 std::int32_t ResolveLocalValue(const LocalValue* list, int languageIndex) noexcept;
 
-struct ControlDesc {
-    std::int32_t id;
+// What a dialog and each of its controls are described by alike.
+struct WindowDesc {
+    std::int32_t id;  // a control's id; a dialog's template index
     const LocalValue* x;
     const LocalValue* y;
     const LocalValue* cx;
@@ -24,25 +25,18 @@ struct ControlDesc {
     const LocalValue* style;
     const LocalValue* exStyle;
     const char16_t* className;     // null: no class text
-    const char16_t* const* texts;  // caption per language (a string table row), or null
+    const char16_t* const* texts;  // caption or title per language (a string table row), or null
 };
 
-struct DialogDesc {
-    std::int32_t id;  // template index
-    const LocalValue* x;
-    const LocalValue* y;
-    const LocalValue* cx;
-    const LocalValue* cy;
-    const LocalValue* style;
-    const LocalValue* exStyle;
-    const char16_t* className;
-    const char16_t* const* texts;  // title per language, or null
+using ControlDesc = WindowDesc;
+
+struct DialogDesc : WindowDesc {
     std::uint32_t pointSize;
     const char16_t* faceName;            // non-null: the template carries a font
     const ControlDesc* const* controls;  // null-terminated, in tab order
 };
 
-// Template indices 1 Connection page, 2 Proxy page, 3 Options page, 4 Connection Details.
+// Indexed by template index less one (dialog_ids.h names the four).
 constexpr int kDialogCount = 4;
 extern const DialogDesc* const g_dialogDescs[kDialogCount];
 

@@ -9,7 +9,7 @@ class TemplateOutput {
 public:
     explicit TemplateOutput(void* buffer) noexcept : bytes_(static_cast<std::uint8_t*>(buffer)) {}
 
-    std::size_t position() const noexcept { return position_; }
+    std::size_t Position() const noexcept { return position_; }
 
     void AlignTo4() noexcept { position_ = (position_ + 3) & ~static_cast<std::size_t>(3); }
 
@@ -97,5 +97,5 @@ std::size_t WriteDialogTemplate(const DialogDesc& desc, void* buffer, int langua
         out.Text(PickLocalText(control.texts, L));
         out.Word(0);  // no creation data
     }
-    return out.position();
+    return out.Position();
 }

@@ -2,7 +2,7 @@
 # Every figure of the extension against the shell's own work, in one table:
 #   1. builds what is missing of the Windows tree (MinGW-w64);
 #   2. starts Xvfb and the build's Wine prefix as scripts/test.sh does;
-#   3. runs the five benchmarks of build/windows/tools, every ratio the median of ROUNDS
+#   3. runs the five benchmarks of build/windows/devtools, every ratio the median of ROUNDS
 #      rounds that alternate the two sides, and prints one table: measure, ours, floor,
 #      ratio, the rounds' spread of the ratio, target, met.
 #   bash scripts/bench.sh
@@ -62,8 +62,9 @@ declare -A TARGET=(
 )
 ORDER=(icon-typical icon-none icon-100kb properties load cold-start read-typical read-1mb)
 
+source "$ROOT/scripts/lib/on-exit.sh"
 rows=$(mktemp "${TMPDIR:-/tmp}/vqc-bench.XXXXXX")
-trap 'rm -f "$rows"; declare -F _vqc_cleanup >/dev/null && _vqc_cleanup' EXIT
+on_exit rm -f "$rows"
 
 status=0
 run() {
@@ -71,7 +72,7 @@ run() {
   shift
   echo "== $program $* ==" >&2
   local output
-  if ! output=$(bash "$ROOT/scripts/wine-run.sh" "$WINEPREFIX" "$WINDOWS_BUILD/tools/$program.exe" "$@" 2>&1); then
+  if ! output=$(bash "$ROOT/scripts/wine-run.sh" "$WINEPREFIX" "$WINDOWS_BUILD/devtools/$program.exe" "$@" 2>&1); then
     echo "$output" >&2
     echo "bench.sh: $program failed" >&2
     status=1

@@ -2,9 +2,10 @@
 """Fails when a file includes a header of a room above its own.
 
 The rooms and their order come from cmake/VqcLayers.cmake (VQC_ROOMS), the same table the
-build uses for links; tests/ ranks at the top beside tools, whose programs share the tests'
-support. A product file of room R may include headers of R and of rooms ranked
-below R. A test file under tests/R/ may include product headers of R and below, and test
+build uses for links; tests/ ranks above every room that ships (tools/ included), and
+devtools/, whose programs share the tests' support, above tests/. A product file of room R
+may include headers of R and of rooms ranked below R; only a room ranked at or above tests/
+may include test code. A test file under tests/R/ may include product headers of R and below, and test
 headers of tests/R/ and of the tests of rooms below R; folders of tests/ that are no room
 (tests/support, tests/harness) and headers directly in tests/ are shared by every test and
 include only the lowest rooms themselves.

@@ -34,7 +34,8 @@ if [ -z "${FUZZ_BIN:-}" ]; then
   source "$ROOT/scripts/lib/packages.sh"
   source "$ROOT/scripts/lib/build.sh"
   install_missing_packages
-  build_native >/dev/null
+  configure_tree fuzz "$BUILD_DIR/native"
+  cmake --build "$BUILD_DIR/native" -j "$JOBS" >/dev/null
   FUZZ_BIN="$BUILD_DIR/native/tests/connection"
 fi
 FUZZ_BIN=$(cd "$FUZZ_BIN" && pwd)  # the targets run from a folder of their own

@@ -14,6 +14,7 @@ set -euo pipefail
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 source "$ROOT/scripts/lib/packages.sh"
+source "$ROOT/scripts/lib/build.sh"
 
 version_override=""
 case "$#:${1:-}" in
@@ -26,9 +27,12 @@ esac
 
 tree="$BUILD_DIR/windows${version_override:+-$version_override}"
 install_missing_packages
-cmake -S "$ROOT" -B "$tree" -G Ninja \
-  -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVQC_VERSION_OVERRIDE="$version_override" >/dev/null
+if [ -z "$version_override" ]; then
+  configure_tree windows "$tree"
+else
+  # The Windows preset with the one thing a preset cannot say: the version.
+  configure_tree windows "$tree" -DVQC_VERSION_OVERRIDE="$version_override"
+fi
 cmake --build "$tree" --target vqcprop64_package >&2
 
 name="vqcprop64-$(cat "$tree/product-version.txt")-x64"

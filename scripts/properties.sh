@@ -59,6 +59,7 @@ source "$ROOT/scripts/lib/packages.sh"
 source "$ROOT/scripts/lib/wine-env.sh"
 source "$ROOT/scripts/lib/project-prefix.sh"
 source "$ROOT/scripts/lib/association.sh"
+source "$ROOT/scripts/lib/build.sh"
 source "$ROOT/scripts/lib/shell-extension.sh"
 export VQC_SHELL_BITS=$bits
 
@@ -76,7 +77,7 @@ register_shell_extension "$extension"
 write_file_type_association
 link_cjk_fonts
 
-shell_program="$(shell_extension_tree)/tools/shell_properties.exe"
+shell_program="$(shell_extension_tree)/devtools/shell_properties.exe"
 program=("$(wine_loader_for "$shell_program")" "$shell_program" "$(windows_path "$file")")
 [ -z "$screenshots" ] || program+=(--screenshots "$(windows_path "$screenshots")")
 [ -z "$screenshots" ] || [ -z "$failed_save" ] || program+=(--failed-save)

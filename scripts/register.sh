@@ -16,6 +16,7 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 source "$ROOT/scripts/lib/packages.sh"
 source "$ROOT/scripts/lib/wine-env.sh"
+source "$ROOT/scripts/lib/build.sh"
 
 unregister="" bits=64
 for argument in "$@"; do
@@ -26,25 +27,24 @@ for argument in "$@"; do
   esac
 done
 if [ "$bits" = 32 ]; then
-  tree="$BUILD_DIR/windows-x86" toolchain=mingw-w64-i686.cmake
+  preset=windows-x86
   regsvr32=("$WINE32_LOADER" 'C:\windows\syswow64\regsvr32.exe')
 else
-  tree="$BUILD_DIR/windows" toolchain=mingw-w64-x86_64.cmake
+  preset=windows
   regsvr32=("$WINE_LOADER" regsvr32)
 fi
+tree="$BUILD_DIR/$preset"
 
 install_missing_packages
-cmake -S "$ROOT" -B "$tree" -G Ninja \
-  -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/$toolchain" \
-  -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+configure_tree "$preset" "$tree"
 cmake --build "$tree" --target vqcprop
 
+# Leave a wineserver that the tests keep running alone; only the display is ours to stop
+# (start_test_display registers that).
 start_test_display
-# Leave a wineserver that the tests keep running alone; only the display is ours to stop.
-trap 'kill "$VQC_XVFB_PID" 2>/dev/null || true' EXIT
 prepare_wine_prefix "$BUILD_DIR/windows/wineprefix"
 
-dll="Z:$(echo "$tree/shellext/vqcprop$bits.dll" | tr / '\\')"
+dll=$(windows_path "$tree/shellext/vqcprop$bits.dll")
 echo "regsvr32 ($bits-bit) $unregister $dll"
 status=0
 "${regsvr32[@]}" /s $unregister "$dll" || status=$?

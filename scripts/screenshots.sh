@@ -13,8 +13,9 @@ BUILD_DIR=${BUILD_DIR:-$ROOT/build}
 export BUILD_DIR
 samples="$ROOT/docs/samples"
 out="$ROOT/docs/screenshots"
+source "$ROOT/scripts/lib/on-exit.sh"
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+on_exit rm -rf "$work"
 mkdir -p "$out"
 # Every picture on a display of the same size and depth, whatever screen the user has.
 unset DISPLAY

@@ -27,8 +27,9 @@ for argument in "$@"; do
   esac
 done
 
+source "$(dirname "$0")/lib/on-exit.sh"
 output=$(mktemp "${TMPDIR:-/tmp}/vqc-test.XXXXXX")
-trap 'rm -f "$output"' EXIT
+on_exit rm -f "$output"
 "$WINE_LOADER" "$@" </dev/null >"$output" 2>&1 &
 program=$!
 # Streams until the program has ended; a timeout kills this whole process group.

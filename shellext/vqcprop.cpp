@@ -158,7 +158,7 @@ STDMETHODIMP VQCProp::AddPages(LPFNSVADDPROPSHEETPAGE addPage, LPARAM lParam) {
         try {
             record->Read(record->filePath.c_str());
         } catch (const HResultError& error) {
-            if (error.code() == kResultOutOfMemory) throw;
+            if (error.Code() == kResultOutOfMemory) throw;
         }
 
         OfferPage<CVQCConnectionPage>(record.Get(), addPage, lParam);

@@ -1,27 +1,23 @@
 # The pieces scripts/properties.sh puts together: the built DLL and the shell program, a copy
 # of the DLL in a folder of its own with a stand-in client beside it, its registration, and
-# fonts for the languages whose glyphs Wine's own fonts lack.
+# fonts for the languages whose glyphs Wine's own fonts lack. Source after build.sh.
 # VQC_SHELL_BITS (64 or 32, default 64) names the road: the 64-bit DLL with the 64-bit
 # shell_properties.exe and regsvr32 of build/windows, or the 32-bit ones of build/windows-x86.
 
-# The build tree, toolchain triple and DLL name of the road.
-shell_extension_tree() {
-  if [ "${VQC_SHELL_BITS:-64}" = 32 ]; then echo "$BUILD_DIR/windows-x86"; else echo "$BUILD_DIR/windows"; fi
+# The preset and build tree, toolchain triple and DLL name of the road.
+shell_extension_preset() {
+  if [ "${VQC_SHELL_BITS:-64}" = 32 ]; then echo windows-x86; else echo windows; fi
 }
+shell_extension_tree() { echo "$BUILD_DIR/$(shell_extension_preset)"; }
 shell_extension_triple() {
   if [ "${VQC_SHELL_BITS:-64}" = 32 ]; then echo i686-w64-mingw32; else echo x86_64-w64-mingw32; fi
 }
 shell_extension_dll_name() { echo "vqcprop${VQC_SHELL_BITS:-64}.dll"; }
 
 build_shell_extension() {
-  local tree toolchain=mingw-w64-x86_64.cmake
+  local tree
   tree=$(shell_extension_tree)
-  [ "${VQC_SHELL_BITS:-64}" != 32 ] || toolchain=mingw-w64-i686.cmake
-  if [ ! -f "$tree/build.ninja" ]; then
-    cmake -S "$ROOT" -B "$tree" -G Ninja \
-      -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/$toolchain" \
-      -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-  fi
+  [ -f "$tree/build.ninja" ] || configure_tree "$(shell_extension_preset)" "$tree"
   cmake --build "$tree" --target vqcprop shell_properties >&2
 }
 

@@ -1,16 +1,16 @@
 # Xvfb, the Wine prefix and a persistent wineserver for the Windows tests.
-# Everything started here is stopped when the calling script exits.
+# What is started here is stopped when the calling script exits (on_exit): the display that
+# start_test_display started, the server that start_wine_server started.
 # Every Windows program is started through our loader wrappers (lib/wine64, and lib/wine32 for
 # 32-bit programs): one address layout.
 source "$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/wine-loader.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/on-exit.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/windows-path.sh"
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 
-_vqc_cleanup() {
-  if [ -n "${WINEPREFIX:-}" ]; then wineserver -k >/dev/null 2>&1 || true; fi
-  if [ -n "${VQC_XVFB_PID:-}" ]; then kill "$VQC_XVFB_PID" 2>/dev/null || true; fi
-}
-trap _vqc_cleanup EXIT
+_vqc_stop_process() { kill "$1" 2>/dev/null || true; }
+_vqc_stop_wine_server() { WINEPREFIX="$1" wineserver -k >/dev/null 2>&1 || true; }
 
 # Xvfb first: a wineserver started without a display refuses windows for good. On a busy
 # machine Xvfb can take many seconds; programs started without a usable display fail quietly
@@ -21,6 +21,7 @@ start_test_display() {
   displayfile=$(mktemp)
   Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$displayfile" >/dev/null 2>&1 &
   VQC_XVFB_PID=$!
+  on_exit _vqc_stop_process "$VQC_XVFB_PID"
   for _ in $(seq 600); do
     number=$(head -n1 "$displayfile")
     [ -n "$number" ] && [ -S "/tmp/.X11-unix/X$number" ] && break
@@ -77,7 +78,10 @@ prepare_wine_prefix() {
 
 wine32_installed() { [ -x /usr/lib/wine/wine ]; }
 
+# The prefix's persistent server; stopped at exit with every program of the prefix, a server
+# that was already running included.
 start_wine_server() {
+  on_exit _vqc_stop_wine_server "$WINEPREFIX"
   # -p fails when a server for this prefix is already running; that one serves as well.
   wineserver -p </dev/null >/dev/null 2>&1 || true
   "$WINE_LOADER" cmd /c exit </dev/null >/dev/null 2>&1 || true
@@ -90,7 +94,7 @@ start_wine_server() {
 start_wine_helpers() {
   local keeper="$1" ready
   ready=$(mktemp -u "${TMPDIR:-/tmp}/vqc-keeper-ready.XXXXXX")
-  "$WINE_LOADER" "$keeper" "Z:$(tr / '\\' <<<"$ready")" </dev/null >/dev/null 2>&1 &
+  "$WINE_LOADER" "$keeper" "$(windows_path "$ready")" </dev/null >/dev/null 2>&1 &
   for _ in $(seq 300); do [ -e "$ready" ] && break; sleep 0.1; done
   if [ ! -e "$ready" ]; then
     echo "the desktop keeper did not start" >&2

@@ -33,3 +33,20 @@ TEST(AnsiText, ParseDecimalSaturatesOutOfRange) {
     EXPECT_EQ(ansi_text::ParseDecimal("-2147483648"), INT_MIN);
     EXPECT_EQ(ansi_text::ParseDecimal("2147483647"), INT_MAX);
 }
+
+TEST(AnsiText, EqualsIgnoringCaseFoldsTheLettersAToZ) {
+    EXPECT_TRUE(ansi_text::EqualsIgnoringCase("RegServer", "regserver"));
+    EXPECT_TRUE(ansi_text::EqualsIgnoringCase("cache-PASSWORD", "Cache-password"));
+    EXPECT_TRUE(ansi_text::EqualsIgnoringCase("", ""));
+}
+
+TEST(AnsiText, EqualsIgnoringCaseComparesOtherBytesAsTheyAre) {
+    EXPECT_FALSE(ansi_text::EqualsIgnoringCase("\xC4", "\xE4"));  // A and a with diaeresis in code page 1252
+    EXPECT_FALSE(ansi_text::EqualsIgnoringCase("@", "`"));        // 0x40 and 0x60 differ by the case bit alone
+    EXPECT_FALSE(ansi_text::EqualsIgnoringCase("[", "{"));
+}
+
+TEST(AnsiText, EqualsIgnoringCaseNeedsTheSameLength) {
+    EXPECT_FALSE(ansi_text::EqualsIgnoringCase("yes", "yes "));
+    EXPECT_FALSE(ansi_text::EqualsIgnoringCase("Y", ""));
+}

@@ -237,7 +237,7 @@ TEST(IconStream, MonochromeThirtyTwoPixelIconIs326BytesWithTwoColours) {
 
 TEST(IconStream, MonochromeRowsArePaddedToFourBytes) {
     // 20 pixels fit in 3 bytes; each row of either half takes 4.
-    std::vector<std::uint8_t> bits(2 * 3 * 4);
+    std::vector<std::uint8_t> bits(std::size_t{2} * 3 * 4);
     for (std::size_t i = 0; i < bits.size(); ++i) bits[i] = static_cast<std::uint8_t>(i);
     const IconImage image = MakeMonochromeIconImage(20, 3, bits);
     ASSERT_EQ(image.dib.size(), 40u + 8u + 3u * 8u);

@@ -18,7 +18,7 @@ bool OpensForReadingAlongside(const char* path) {
     return true;
 }
 
-std::string ViewText(const MappedFile& file) { return std::string(static_cast<const char*>(file.view()), file.size()); }
+std::string ViewText(const MappedFile& file) { return std::string(static_cast<const char*>(file.View()), file.Size()); }
 
 }  // namespace
 
@@ -45,7 +45,7 @@ TEST(MappedFile, ReadOnlyMapsTheWholeFileAndSharesReading) {
     TempFile temp("map-ro", "-h server -u bob");
     MappedFile file;
     ASSERT_TRUE(file.Open(temp.Path(), MapAccess::ReadOnly));
-    EXPECT_EQ(file.size(), 16u);
+    EXPECT_EQ(file.Size(), 16u);
     EXPECT_EQ(ViewText(file), "-h server -u bob");
     EXPECT_TRUE(OpensForReadingAlongside(temp.Path()));
 }
@@ -65,7 +65,7 @@ TEST(MappedFile, ReadWriteMapsAndWritesThroughWithoutSharing) {
         ASSERT_TRUE(file.Open(temp.Path(), MapAccess::ReadWrite));
         EXPECT_EQ(ViewText(file), "abc");
         EXPECT_FALSE(OpensForReadingAlongside(temp.Path()));
-        static_cast<char*>(const_cast<void*>(file.view()))[0] = 'X';
+        static_cast<char*>(const_cast<void*>(file.View()))[0] = 'X';
     }
     EXPECT_EQ(temp.Content(), "Xbc");
 }
@@ -77,7 +77,7 @@ TEST(MappedFile, WriteCopyKeepsWritesInMemoryWithoutSharing) {
         ASSERT_TRUE(file.Open(temp.Path(), MapAccess::WriteCopy));
         EXPECT_EQ(ViewText(file), "abc");
         EXPECT_FALSE(OpensForReadingAlongside(temp.Path()));
-        char* view = static_cast<char*>(const_cast<void*>(file.view()));
+        char* view = static_cast<char*>(const_cast<void*>(file.View()));
         view[0] = 'X';
         EXPECT_EQ(view[0], 'X');
     }
@@ -91,8 +91,8 @@ TEST(MappedFile, CloseFreesTheFile) {
     EXPECT_FALSE(temp.OpensExclusively());
     file.Close();
     EXPECT_TRUE(temp.OpensExclusively());
-    EXPECT_EQ(file.view(), nullptr);
-    EXPECT_EQ(file.size(), 0u);
+    EXPECT_EQ(file.View(), nullptr);
+    EXPECT_EQ(file.Size(), 0u);
 }
 
 TEST(MappedFile, DestructionFreesTheFile) {
@@ -108,9 +108,9 @@ TEST(MappedFile, EmptyFileFailsAtTheMappingAndIsFreed) {
     TempFile temp("map-empty", "");
     MappedFile file;
     EXPECT_FALSE(file.Open(temp.Path()));
-    EXPECT_EQ(file.size(), 0u);
-    EXPECT_EQ(file.view(), nullptr);
-    EXPECT_NE(file.error(), 0u);
+    EXPECT_EQ(file.Size(), 0u);
+    EXPECT_EQ(file.View(), nullptr);
+    EXPECT_NE(file.Error(), 0u);
     file.Close();
     EXPECT_TRUE(temp.OpensExclusively());
 }
@@ -119,8 +119,8 @@ TEST(MappedFile, MissingFileFailsWithFileNotFound) {
     TempFile temp("map-missing");
     MappedFile file;
     EXPECT_FALSE(file.Open(temp.Path()));
-    EXPECT_EQ(file.error(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(file.size(), 0u);
+    EXPECT_EQ(file.Error(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(file.Size(), 0u);
 }
 
 TEST(MappedFile, ReopeningClosesTheFirstFile) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "connection/option_line.h"
 #include "connection/vqc_file_info.h"
 #include "test_files.h"
+#include "tests/row_names.h"
 #include "tests/support/test_icons.h"
 
 namespace {
@@ -33,49 +35,122 @@ std::string IconHex(HICON icon, HICON smallIcon) {
     return text;
 }
 
+// One write of a record: a row sets fields of a fresh record (client 7.26, no icon), and the
+// file holds exactly the row's bytes.
+struct WrittenCase {
+    const char* name;
+    void (*set)(VQCFileInfo& r);
+    const char* bytes;
+};
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const WrittenCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const WrittenCase kWrittenCases[] = {
+    {"FreshRecordWritesAnEmptyFile",
+     [](VQCFileInfo&) {},
+     ""},
+    {"DefaultServicePortWithoutEncryptIsNotWritten",
+     [](VQCFileInfo& r) { r.serviceName = "svc"; r.servicePort = 790; },
+     "-v svc "},
+    {"Port790WithEncryptIsWritten",
+     [](VQCFileInfo& r) { r.serviceName = "svc"; r.servicePort = 790; r.encrypt = 1; },
+     "-V 790 -l -v svc "},
+    {"DefaultEncryptedPortIsNotWritten",
+     [](VQCFileInfo& r) { r.serviceName = "svc"; r.servicePort = 4790; r.encrypt = 1; },
+     "-l -v svc "},
+    {"ServicePortIsNeverWrittenWithoutServiceName",
+     [](VQCFileInfo& r) { r.host = "h"; r.servicePort = 1234; },
+     "-h h "},
+    {"ServicePortNotGivenIsNotWritten",
+     [](VQCFileInfo& r) { r.serviceName = "svc"; r.servicePort = -1; },
+     "-v svc "},
+    {"BrokerRouteWithEmptyHostWritesNoRouteOption",
+     [](VQCFileInfo& r) { r.route = 2; r.proxyHost = "proxy"; },
+     ""},
+    {"ProxyRouteWithEmptyHostWritesNoRouteOption",
+     [](VQCFileInfo& r) { r.route = 1; r.brokerHost = "broker"; },
+     ""},
+    // The Proxy page offers the broker only to clients 6.20 to 6.89; a file's broker route is
+    // written for every client from 6.20 on all the same.
+    {"BrokerRouteIsStillWrittenForClient690",
+     [](VQCFileInfo& r) { r.clientVersion = 690; r.route = 2; r.brokerHost = "broker"; },
+     "-f broker "},
+    {"BrokerPortAndUpperF",
+     [](VQCFileInfo& r) { r.route = 2; r.brokerHost = "broker"; r.brokerPort = 3128; r.brokerUpperF = 1; },
+     "-F broker:3128 "},
+    {"HostWithBlankIsQuoted",
+     [](VQCFileInfo& r) { r.host = "my server"; },
+     "-h \"my server\" "},
+    {"AlreadyQuotedValueIsNotQuotedAgain",
+     [](VQCFileInfo& r) { r.host = "\"my server\""; },
+     "-h \"my server\" "},
+    {"QuotesInsideAValueAreNotEscaped",
+     [](VQCFileInfo& r) { r.login = "a\"b c"; },
+     "-u \"a\"b c\" "},
+    {"LocalConnectionWritesTargetAndStartDirectory",
+     [](VQCFileInfo& r) { r.localConnect = 1; r.localTarget = "my prog"; r.startDirectory = "C:\\work"; r.host = "ignored";
+                          r.serviceName = "svc"; r.answerBack = "ab"; r.login = "bob"; },
+     "-d \"my prog\" -S C:\\work -v svc -a ab -u bob "},
+    {"EmptyLocalTargetGivesDAndTwoBlanks",
+     [](VQCFileInfo& r) { r.localConnect = 1; },
+     "-d  "},
+    {"TypicalRemoteFileInOrder",
+     [](VQCFileInfo& r) { r.host = "server"; r.optionR = 1; r.serviceName = "svc"; r.servicePort = 5000; r.encrypt = 1;
+                          r.option_s = 1; r.route = 1; r.proxyHost = "proxy"; r.proxyPort = 3128; r.optionT = 1;
+                          r.answerBack = "back"; r.login = "bob"; r.commandLine = "prog  -x \"a b\""; },
+     "-h server -V 5000 -R -l -s -c proxy:3128 -T -v svc -a back -u bob -C prog  -x \"a b\""},
+    {"SmallIconAloneIsLeftOut",
+     [](VQCFileInfo& r) { r.SetIcons(nullptr, MakeTestIcon(16, 4)); r.login = "bob"; },
+     "-u bob "},
+    {"CommandLineIsLastWithoutTrailingBlank",
+     [](VQCFileInfo& r) { r.commandLine = "a b"; r.login = "u"; },
+     "-u u -C a b"},
+};
+// clang-format on
+
+// One option appended to a text: what the text held before, the option, and the text after.
+struct EmittedCase {
+    const char* name;
+    const char* before;
+    char letter;
+    const char* value;
+    bool alwaysQuote;
+    const char* after;
+};
+void PrintTo(const EmittedCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const EmittedCase kEmittedCases[] = {
+    {"WithoutValueIsLetterAndBlank",         "x", 'l', nullptr, false, "x-l "},
+    {"AlwaysQuoteWrapsEvenWithoutBlank",     "",  'I', "00AB",  true,  "-I \"00AB\" "},
+    {"EmptyValueWithAlwaysQuoteIsTwoQuotes", "",  'I', "",      true,  "-I \"\" "},
+    {"SingleQuoteCharacterCountsAsEnclosed", "",  'h', "\"",    true,  "-h \" "},
+};
+// clang-format on
+
+class WrittenLine : public ::testing::TestWithParam<WrittenCase> {};
+
+TEST_P(WrittenLine, HoldsTheRowsBytes) {
+    auto r = Fresh();
+    GetParam().set(*r);
+    EXPECT_EQ(Written(*r), GetParam().bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Writer, WrittenLine, ::testing::ValuesIn(kWrittenCases), RowName());
+
+class EmittedOption : public ::testing::TestWithParam<EmittedCase> {};
+
+TEST_P(EmittedOption, IsAppendedAsTheRowSays) {
+    const EmittedCase& c = GetParam();
+    std::string out = c.before;
+    EmitOption(out, c.letter, c.value, c.alwaysQuote);
+    EXPECT_EQ(out, c.after);
+}
+
+INSTANTIATE_TEST_SUITE_P(EmitOption, EmittedOption, ::testing::ValuesIn(kEmittedCases), RowName());
+
 }  // namespace
-
-TEST(Writer, FreshRecordWritesAnEmptyFile) {
-    auto r = Fresh();
-    EXPECT_EQ(Written(*r), "");
-}
-
-TEST(Writer, DefaultServicePortWithoutEncryptIsNotWritten) {
-    auto r = Fresh();
-    r->serviceName = "svc";
-    r->servicePort = 790;
-    EXPECT_EQ(Written(*r), "-v svc ");
-}
-
-TEST(Writer, Port790WithEncryptIsWritten) {
-    auto r = Fresh();
-    r->serviceName = "svc";
-    r->servicePort = 790;
-    r->encrypt = 1;
-    EXPECT_EQ(Written(*r), "-V 790 -l -v svc ");
-}
-
-TEST(Writer, DefaultEncryptedPortIsNotWritten) {
-    auto r = Fresh();
-    r->serviceName = "svc";
-    r->servicePort = 4790;
-    r->encrypt = 1;
-    EXPECT_EQ(Written(*r), "-l -v svc ");
-}
-
-TEST(Writer, ServicePortIsNeverWrittenWithoutServiceName) {
-    auto r = Fresh();
-    r->host = "h";
-    r->servicePort = 1234;
-    EXPECT_EQ(Written(*r), "-h h ");
-}
-
-TEST(Writer, ServicePortNotGivenIsNotWritten) {
-    auto r = Fresh();
-    r->serviceName = "svc";
-    r->servicePort = -1;
-    EXPECT_EQ(Written(*r), "-v svc ");
-}
 
 TEST(Writer, Version640NeverGetsL) {
     auto r = Fresh();
@@ -129,20 +204,6 @@ TEST(Writer, AutomaticMNeedsNoOptionMClearServiceNameAndNoNM) {
     EXPECT_EQ(Written(*r), "-N -M -v svc ");
 }
 
-TEST(Writer, BrokerRouteWithEmptyHostWritesNoRouteOption) {
-    auto r = Fresh();
-    r->route = 2;
-    r->proxyHost = "proxy";
-    EXPECT_EQ(Written(*r), "");
-}
-
-TEST(Writer, ProxyRouteWithEmptyHostWritesNoRouteOption) {
-    auto r = Fresh();
-    r->route = 1;
-    r->brokerHost = "broker";
-    EXPECT_EQ(Written(*r), "");
-}
-
 TEST(Writer, OnlyTheRouteNamedIsWritten) {
     auto r = Fresh();
     r->proxyHost = "proxy";
@@ -155,15 +216,6 @@ TEST(Writer, OnlyTheRouteNamedIsWritten) {
     EXPECT_EQ(Written(*r), "");
 }
 
-TEST(Writer, BrokerPortAndUpperF) {
-    auto r = Fresh();
-    r->route = 2;
-    r->brokerHost = "broker";
-    r->brokerPort = 3128;
-    r->brokerUpperF = 1;
-    EXPECT_EQ(Written(*r), "-F broker:3128 ");
-}
-
 TEST(Writer, ProxyUserAndPort) {
     auto r = Fresh();
     r->route = 1;
@@ -174,24 +226,6 @@ TEST(Writer, ProxyUserAndPort) {
     r->proxyUser.clear();
     r->proxyPort = 8080;
     EXPECT_EQ(Written(*r), "-c proxy ");
-}
-
-TEST(Writer, HostWithBlankIsQuoted) {
-    auto r = Fresh();
-    r->host = "my server";
-    EXPECT_EQ(Written(*r), "-h \"my server\" ");
-}
-
-TEST(Writer, AlreadyQuotedValueIsNotQuotedAgain) {
-    auto r = Fresh();
-    r->host = "\"my server\"";
-    EXPECT_EQ(Written(*r), "-h \"my server\" ");
-}
-
-TEST(Writer, QuotesInsideAValueAreNotEscaped) {
-    auto r = Fresh();
-    r->login = "a\"b c";
-    EXPECT_EQ(Written(*r), "-u \"a\"b c\" ");
 }
 
 TEST(Writer, WithOptionKOnlyKUIAndCAppear) {
@@ -217,24 +251,6 @@ TEST(Writer, WithOptionKOnlyKUIAndCAppear) {
     EXPECT_EQ(Written(*r), "-K -u bob \r\n-I \"" + hex + "\" -C run me");
 }
 
-TEST(Writer, LocalConnectionWritesTargetAndStartDirectory) {
-    auto r = Fresh();
-    r->localConnect = 1;
-    r->localTarget = "my prog";
-    r->startDirectory = "C:\\work";
-    r->host = "ignored";
-    r->serviceName = "svc";
-    r->answerBack = "ab";
-    r->login = "bob";
-    EXPECT_EQ(Written(*r), "-d \"my prog\" -S C:\\work -v svc -a ab -u bob ");
-}
-
-TEST(Writer, EmptyLocalTargetGivesDAndTwoBlanks) {
-    auto r = Fresh();
-    r->localConnect = 1;
-    EXPECT_EQ(Written(*r), "-d  ");
-}
-
 TEST(Writer, LoginModeOrder) {
     auto r = Fresh();
     r->optionL = 1;
@@ -245,24 +261,6 @@ TEST(Writer, LoginModeOrder) {
     EXPECT_EQ(Written(*r), "-N ");
     r->optionN = 0;
     EXPECT_EQ(Written(*r), "-N -M ");
-}
-
-TEST(Writer, TypicalRemoteFileInOrder) {
-    auto r = Fresh();
-    r->host = "server";
-    r->optionR = 1;
-    r->serviceName = "svc";
-    r->servicePort = 5000;
-    r->encrypt = 1;
-    r->option_s = 1;
-    r->route = 1;
-    r->proxyHost = "proxy";
-    r->proxyPort = 3128;
-    r->optionT = 1;
-    r->answerBack = "back";
-    r->login = "bob";
-    r->commandLine = "prog  -x \"a b\"";
-    EXPECT_EQ(Written(*r), "-h server -V 5000 -R -l -s -c proxy:3128 -T -v svc -a back -u bob -C prog  -x \"a b\"");
 }
 
 TEST(Writer, IconBlockStandsOnItsOwnLineInQuotes) {
@@ -321,20 +319,6 @@ TEST(Writer, FourBitIconIsWrittenAndReadBackWithItsPixelsAndMask) {
     std::vector<std::uint32_t> drawn = RenderedIcon(r->icon.Get(), 32, RGB(0x20, 0xC0, 0x60));
     std::sort(drawn.begin(), drawn.end());
     EXPECT_GE(std::unique(drawn.begin(), drawn.end()) - drawn.begin(), 16);
-}
-
-TEST(Writer, SmallIconAloneIsLeftOut) {
-    auto r = Fresh();
-    r->SetIcons(nullptr, MakeTestIcon(16, 4));
-    r->login = "bob";
-    EXPECT_EQ(Written(*r), "-u bob ");
-}
-
-TEST(Writer, CommandLineIsLastWithoutTrailingBlank) {
-    auto r = Fresh();
-    r->commandLine = "a b";
-    r->login = "u";
-    EXPECT_EQ(Written(*r), "-u u -C a b");
 }
 
 TEST(Writer, ReplacesLongerContent) {
@@ -405,28 +389,4 @@ TEST(Writer, SuccessLeavesLastErrorAlone) {
     r->lastError = 0xdeadbeef;
     EXPECT_EQ(r->Write(file.Path()), 0);
     EXPECT_EQ(r->lastError, 0xdeadbeefu);
-}
-
-TEST(EmitOption, WithoutValueIsLetterAndBlank) {
-    std::string out = "x";
-    EmitOption(out, 'l', nullptr, false);
-    EXPECT_EQ(out, "x-l ");
-}
-
-TEST(EmitOption, AlwaysQuoteWrapsEvenWithoutBlank) {
-    std::string out;
-    EmitOption(out, 'I', "00AB", true);
-    EXPECT_EQ(out, "-I \"00AB\" ");
-}
-
-TEST(EmitOption, EmptyValueWithAlwaysQuoteIsTwoQuotes) {
-    std::string out;
-    EmitOption(out, 'I', "", true);
-    EXPECT_EQ(out, "-I \"\" ");
-}
-
-TEST(EmitOption, SingleQuoteCharacterCountsAsEnclosed) {
-    std::string out;
-    EmitOption(out, 'h', "\"", true);
-    EXPECT_EQ(out, "-h \" ");
 }

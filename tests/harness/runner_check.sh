@@ -46,8 +46,9 @@ case "$case_name" in
 
   hang)
     # A ctest project of its own with one hanging test and a 3 s limit.
+    source "$(dirname "$wine_run")/lib/on-exit.sh"
     work=$(mktemp -d)
-    trap 'rm -rf "$work"' EXIT
+    on_exit rm -rf "$work"
     cat >"$work/CMakeLists.txt" <<CMAKE
 cmake_minimum_required(VERSION 3.25)
 project(hang NONE)
@@ -72,7 +73,6 @@ CMAKE
     bash "$wine_run" "$prefix" "$probes/gtest_probe.exe" --gtest_filter=HarnessProbe.MakesAWindow \
       || fail "the window probe failed"
     source "$(dirname "$wine_run")/lib/wine-env.sh"
-    trap - EXIT  # the library's cleanup is for the scripts that start the environment
     processes=$(wine_prefix_processes)
     [ -n "$processes" ] || fail "no process of the prefix found: the check saw nothing"
     holders=$(for pid in $processes; do find "/proc/$pid/fd" -lname "$own" 2>/dev/null; done)

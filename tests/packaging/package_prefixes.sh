@@ -10,7 +10,7 @@ work=$(mktemp -d)
 TEST_LOG=$(mktemp "${TMPDIR:-/tmp}/vqc-package-test.XXXXXX")
 # The prefixes this test made, one a line (new_prefix runs in a command substitution).
 OWN_PREFIXES=$(mktemp "${TMPDIR:-/tmp}/vqc-package-prefixes.XXXXXX")
-trap remove_own_prefixes EXIT
+on_exit remove_own_prefixes
 
 fail() {
   echo "FAIL: $*"
@@ -26,7 +26,6 @@ remove_own_prefixes() {
   done <"$OWN_PREFIXES"
   rm -f "$TEST_LOG" "$OWN_PREFIXES"
   rm -rf "$work"
-  [ -z "${VQC_XVFB_PID:-}" ] || kill "$VQC_XVFB_PID" 2>/dev/null || true
 }
 
 [ -f "$package" ] || fail "no package at $package (is wixl installed? scripts/lib/packages.sh installs it)"
@@ -61,7 +60,8 @@ msiexec_in() {
   local prefix="$1" action="$2" package="$3" status=0
   shift 3
   local log="$prefix/drive_c/msiexec.log"
-  in_prefix "$prefix" msiexec "$action" "$(windows_path "$package")" /qn /l*v 'C:\msiexec.log' "$@" || status=$?
+  in_prefix "$prefix" msiexec "$action" "$(windows_path "$package")" /qn /l*v "$(windows_path "$log" "$prefix")" "$@" ||
+    status=$?
   tr -d '\r\0' <"$log" 2>/dev/null | grep -aE "^(Action ended|Message type)|WIX_|rror" >>"$TEST_LOG" || true
   rm -f "$log"
   return $status

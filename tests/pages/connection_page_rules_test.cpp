@@ -4,9 +4,15 @@
 
 #include <climits>
 #include <map>
+#include <ostream>
 #include <set>
+#include <string>
+#include <vector>
+
+#include "tests/row_names.h"
 
 using namespace connection_page;
+using namespace dialog_ids;
 
 namespace {
 
@@ -18,12 +24,14 @@ ConnectionSettings RecordAt(std::int32_t clientVersion) {
 
 std::vector<std::uint32_t> TextIds(const std::vector<ConnectionType>& types) {
     std::vector<std::uint32_t> ids;
+    ids.reserve(types.size());
     for (ConnectionType type : types) ids.push_back(EntryOf(type).textId);
     return ids;
 }
 
 std::vector<std::uint32_t> TextIds(const std::vector<LoginType>& types) {
     std::vector<std::uint32_t> ids;
+    ids.reserve(types.size());
     for (LoginType type : types) ids.push_back(EntryOf(type).textId);
     return ids;
 }
@@ -167,30 +175,6 @@ TEST(ConnectionTypeSelection, NoSelectionCountsAsDiscoveryEvenWhenLocalWasNotAdd
 
 TEST(ConnectionTypeSelection, PositionBeyondTheEntriesCountsAsDiscovery) {
     EXPECT_EQ(ConnectionTypeAt(7, ConnectionTypeIndices{0, 1, -1}), ConnectionType::Discovery);
-}
-
-TEST(ConnectionTypeSelection, RecordWithNeitherFlagOpensAsRemote) {
-    const ConnectionSettings record = RecordAt(726);
-    EXPECT_EQ(ConnectionTypeOf(record), ConnectionType::Remote);
-}
-
-TEST(ConnectionTypeSelection, LocalConnectOpensAsLocal) {
-    ConnectionSettings record = RecordAt(726);
-    record.localConnect = 1;
-    EXPECT_EQ(ConnectionTypeOf(record), ConnectionType::Local);
-}
-
-TEST(ConnectionTypeSelection, OptionKOpensAsDiscovery) {
-    ConnectionSettings record = RecordAt(726);
-    record.optionK = 1;
-    EXPECT_EQ(ConnectionTypeOf(record), ConnectionType::Discovery);
-}
-
-TEST(ConnectionTypeSelection, LocalConnectWinsOverOptionK) {
-    ConnectionSettings record = RecordAt(726);
-    record.optionK = 1;
-    record.localConnect = 1;
-    EXPECT_EQ(ConnectionTypeOf(record), ConnectionType::Local);
 }
 
 TEST(ConnectionTypeSelection, StoringEachTypeSetsBothFlags) {
@@ -529,93 +513,165 @@ TEST(CheckBoxes, EncryptionSetsModifiedLegacyProtocolDoesNot) {
     EXPECT_EQ(FindCheckBox(1022), nullptr);
 }
 
-TEST(ServicePortDisplay, NotGivenShowsEmpty) {
-    EXPECT_EQ(ServicePortText(-1, false), "");
-    EXPECT_EQ(ServicePortText(-1, true), "");
-}
-
-TEST(ServicePortDisplay, DefaultOfTheEncryptionSettingShowsEmpty) {
-    EXPECT_EQ(ServicePortText(790, false), "");
-    EXPECT_EQ(ServicePortText(4790, true), "");
-}
-
-TEST(ServicePortDisplay, TheOtherSettingsDefaultIsShown) {
-    EXPECT_EQ(ServicePortText(790, true), "790");
-    EXPECT_EQ(ServicePortText(4790, false), "4790");
-}
-
-TEST(ServicePortDisplay, AnyOtherNumberIsShownAsDecimal) {
-    EXPECT_EQ(ServicePortText(0, false), "0");
-    EXPECT_EQ(ServicePortText(8000, true), "8000");
-    EXPECT_EQ(ServicePortText(-2, false), "-2");
-    EXPECT_EQ(ServicePortText(99999, false), "99999");
-    EXPECT_EQ(ServicePortText(INT_MIN, false), "-2147483648");
-}
-
 TEST(ServicePortDisplay, DefaultPortsFollowEncryption) {
     EXPECT_EQ(DefaultServicePort(false), 790);
     EXPECT_EQ(DefaultServicePort(true), 4790);
 }
 
-TEST(ServicePortEdit, EmptyEditStoresNotGiven) { EXPECT_EQ(ServicePortFromText(""), -1); }
+// ---- Tables: one row per behaviour, each with the examples that pin it ----
 
-TEST(ServicePortEdit, DigitsAreReadAsDecimal) {
-    EXPECT_EQ(ServicePortFromText("790"), 790);
-    EXPECT_EQ(ServicePortFromText("0"), 0);
-    EXPECT_EQ(ServicePortFromText("007"), 7);
-    EXPECT_EQ(ServicePortFromText("65536"), 65536);
-}
+namespace {
 
-TEST(ServicePortEdit, ReadsLeadingDigitsAsAtoiDoes) {
-    EXPECT_EQ(ServicePortFromText("12ab"), 12);
-    EXPECT_EQ(ServicePortFromText("ab"), 0);
-    EXPECT_EQ(ServicePortFromText(" 42"), 42);
-    EXPECT_EQ(ServicePortFromText("99999999999"), INT_MAX);
-}
+// The connection type a record opens as, from its two flags (client 7.26).
+struct OpeningTypeCase {
+    const char* name;
+    std::uint8_t localConnect;
+    std::uint8_t optionK;
+    ConnectionType opensAs;
+};
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const OpeningTypeCase& row, std::ostream* out) { *out << row.name; }
 
-TEST(ServicePortEdit, OnlyAZeroLengthEditIsEmpty) {
+// clang-format off
+const OpeningTypeCase kOpeningTypeCases[] = {
+    {"RecordWithNeitherFlagOpensAsRemote", 0, 0, ConnectionType::Remote},
+    {"LocalConnectOpensAsLocal",           1, 0, ConnectionType::Local},
+    {"OptionKOpensAsDiscovery",            0, 1, ConnectionType::Discovery},
+    {"LocalConnectWinsOverOptionK",        1, 1, ConnectionType::Local},
+};
+// clang-format on
+
+// What the service port edit shows for a port and the encryption setting.
+struct PortShown {
+    std::int32_t port;
+    bool encrypt;
+    const char* text;
+};
+struct PortShownCase {
+    const char* name;
+    std::vector<PortShown> examples;
+};
+void PrintTo(const PortShownCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const PortShownCase kPortShownCases[] = {
+    {"NotGivenShowsEmpty",                      {{-1, false, ""}, {-1, true, ""}}},
+    {"DefaultOfTheEncryptionSettingShowsEmpty", {{790, false, ""}, {4790, true, ""}}},
+    {"TheOtherSettingsDefaultIsShown",          {{790, true, "790"}, {4790, false, "4790"}}},
+    {"AnyOtherNumberIsShownAsDecimal",          {{0, false, "0"}, {8000, true, "8000"}, {-2, false, "-2"}, {99999, false, "99999"},
+                                                 {INT_MIN, false, "-2147483648"}}},
+};
+// clang-format on
+
+// What the service port edit's text stores.
+struct PortRead {
+    const char* text;
+    std::int32_t port;
+};
+struct PortReadCase {
+    const char* name;
+    std::vector<PortRead> examples;
+};
+void PrintTo(const PortReadCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const PortReadCase kPortReadCases[] = {
+    {"EmptyEditStoresNotGiven",    {{"", -1}}},
+    {"DigitsAreReadAsDecimal",     {{"790", 790}, {"0", 0}, {"007", 7}, {"65536", 65536}}},
+    {"ReadsLeadingDigitsAsAtoiDoes", {{"12ab", 12}, {"ab", 0}, {" 42", 42}, {"99999999999", INT_MAX}}},
     // A blank is text: atoi gives 0, not "not given".
-    EXPECT_EQ(ServicePortFromText(" "), 0);
+    {"OnlyAZeroLengthEditIsEmpty", {{" ", 0}}},
+};
+// clang-format on
+
+// The server list: the recent hosts in enumeration order, then the file's host.
+struct ServersListed {
+    std::vector<std::string> recent;
+    const char* host;
+    std::vector<std::string> list;
+};
+struct ServerListCase {
+    const char* name;
+    std::vector<ServersListed> examples;
+};
+void PrintTo(const ServerListCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const ServerListCase kServerListCases[] = {
+    {"RecentHostsKeepTheirOrderAndTheHostComesLast", {{{"zeta", "alpha", "mid"}, "typed.example", {"zeta", "alpha", "mid", "typed.example"}}}},
+    {"HostAlreadyListedIsNotAddedAgain",             {{{"zeta", "alpha"}, "alpha", {"zeta", "alpha"}}}},
+    {"EmptyHostAddsNothing",                         {{{"zeta"}, "", {"zeta"}}, {{}, "", {}}}},
+    {"NoRecentHostsLeavesOnlyTheHost",               {{{}, "host", {"host"}}}},
+    {"MatchIsExactSoCaseDiffersIsAnotherHost",       {{{"Server"}, "server", {"Server", "server"}}, {{"server "}, "server", {"server ", "server"}}}},
+};
+// clang-format on
+
+// Where "vserver.dll" is looked for: beside the module.
+struct SiblingNamed {
+    const char* modulePath;
+    const char* sibling;
+    const char* path;
+};
+struct SiblingPathCase {
+    const char* name;
+    std::vector<SiblingNamed> examples;
+};
+void PrintTo(const SiblingPathCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const SiblingPathCase kSiblingPathCases[] = {
+    {"ReplacesTheModulesNameAfterTheLastBackslash", {{"C:\\Program Files\\VOXA\\vqcprop64.dll", kServerModuleName, "C:\\Program Files\\VOXA\\vserver.dll"}}},
+    {"ForwardSlashCountsAsASeparatorToo",           {{"Z:/build/dir\\sub/vqcprop64.dll", "vserver.dll", "Z:/build/dir\\sub/vserver.dll"},
+                                                     {"Z:\\a/b\\vqcprop64.dll", "vserver.dll", "Z:\\a/b\\vserver.dll"}}},
+    {"PathWithoutSeparatorIsReplacedWhole",         {{"vqcprop64.dll", "vserver.dll", "vserver.dll"}, {"", "vserver.dll", "vserver.dll"}}},
+    {"TrailingSeparatorKeepsTheWholeDirectory",     {{"C:\\dir\\", "vserver.dll", "C:\\dir\\vserver.dll"}}},
+};
+// clang-format on
+
+class OpeningConnectionType : public ::testing::TestWithParam<OpeningTypeCase> {};
+
+TEST_P(OpeningConnectionType, FollowsTheRecordsFlags) {
+    ConnectionSettings record = RecordAt(726);
+    record.localConnect = GetParam().localConnect;
+    record.optionK = GetParam().optionK;
+    EXPECT_EQ(ConnectionTypeOf(record), GetParam().opensAs);
 }
 
-TEST(ServerList, RecentHostsKeepTheirOrderAndTheHostComesLast) {
-    EXPECT_EQ(ServerList({"zeta", "alpha", "mid"}, "typed.example"),
-              (std::vector<std::string>{"zeta", "alpha", "mid", "typed.example"}));
+INSTANTIATE_TEST_SUITE_P(ConnectionTypeSelection, OpeningConnectionType, ::testing::ValuesIn(kOpeningTypeCases),
+                         RowName());
+
+class ServicePortShown : public ::testing::TestWithParam<PortShownCase> {};
+
+TEST_P(ServicePortShown, AsTheRowSays) {
+    for (const PortShown& e : GetParam().examples) EXPECT_EQ(ServicePortText(e.port, e.encrypt), e.text) << e.port;
 }
 
-TEST(ServerList, HostAlreadyListedIsNotAddedAgain) {
-    EXPECT_EQ(ServerList({"zeta", "alpha"}, "alpha"), (std::vector<std::string>{"zeta", "alpha"}));
+INSTANTIATE_TEST_SUITE_P(ServicePortDisplay, ServicePortShown, ::testing::ValuesIn(kPortShownCases), RowName());
+
+class ServicePortRead : public ::testing::TestWithParam<PortReadCase> {};
+
+TEST_P(ServicePortRead, AsTheRowSays) {
+    for (const PortRead& e : GetParam().examples)
+        EXPECT_EQ(ServicePortFromText(e.text), e.port) << '"' << e.text << '"';
 }
 
-TEST(ServerList, EmptyHostAddsNothing) {
-    EXPECT_EQ(ServerList({"zeta"}, ""), (std::vector<std::string>{"zeta"}));
-    EXPECT_EQ(ServerList({}, ""), (std::vector<std::string>{}));
+INSTANTIATE_TEST_SUITE_P(ServicePortEdit, ServicePortRead, ::testing::ValuesIn(kPortReadCases), RowName());
+
+class ServersOffered : public ::testing::TestWithParam<ServerListCase> {};
+
+TEST_P(ServersOffered, AsTheRowSays) {
+    for (const ServersListed& e : GetParam().examples) EXPECT_EQ(ServerList(e.recent, e.host), e.list) << e.host;
 }
 
-TEST(ServerList, NoRecentHostsLeavesOnlyTheHost) {
-    EXPECT_EQ(ServerList({}, "host"), (std::vector<std::string>{"host"}));
+INSTANTIATE_TEST_SUITE_P(ServerList, ServersOffered, ::testing::ValuesIn(kServerListCases), RowName());
+
+class ServerModuleSibling : public ::testing::TestWithParam<SiblingPathCase> {};
+
+TEST_P(ServerModuleSibling, AsTheRowSays) {
+    for (const SiblingNamed& e : GetParam().examples)
+        EXPECT_EQ(SiblingPath(e.modulePath, e.sibling), e.path) << e.modulePath;
 }
 
-TEST(ServerList, MatchIsExactSoCaseDiffersIsAnotherHost) {
-    EXPECT_EQ(ServerList({"Server"}, "server"), (std::vector<std::string>{"Server", "server"}));
-    EXPECT_EQ(ServerList({"server "}, "server"), (std::vector<std::string>{"server ", "server"}));
-}
+INSTANTIATE_TEST_SUITE_P(ServerModulePath, ServerModuleSibling, ::testing::ValuesIn(kSiblingPathCases), RowName());
 
-TEST(ServerModulePath, ReplacesTheModulesNameAfterTheLastBackslash) {
-    EXPECT_EQ(SiblingPath("C:\\Program Files\\VOXA\\vqcprop64.dll", kServerModuleName),
-              "C:\\Program Files\\VOXA\\vserver.dll");
-}
-
-TEST(ServerModulePath, ForwardSlashCountsAsASeparatorToo) {
-    EXPECT_EQ(SiblingPath("Z:/build/dir\\sub/vqcprop64.dll", "vserver.dll"), "Z:/build/dir\\sub/vserver.dll");
-    EXPECT_EQ(SiblingPath("Z:\\a/b\\vqcprop64.dll", "vserver.dll"), "Z:\\a/b\\vserver.dll");
-}
-
-TEST(ServerModulePath, PathWithoutSeparatorIsReplacedWhole) {
-    EXPECT_EQ(SiblingPath("vqcprop64.dll", "vserver.dll"), "vserver.dll");
-    EXPECT_EQ(SiblingPath("", "vserver.dll"), "vserver.dll");
-}
-
-TEST(ServerModulePath, TrailingSeparatorKeepsTheWholeDirectory) {
-    EXPECT_EQ(SiblingPath("C:\\dir\\", "vserver.dll"), "C:\\dir\\vserver.dll");
-}
+}  // namespace

@@ -21,10 +21,10 @@ using namespace page_test;
 
 namespace {
 
-using connection_page::kConnectionTypeList;
-using connection_page::kEncryptionCheck;
-using connection_page::kLoginTypeList;
-using connection_page::kServerBox;
+using dialog_ids::kConnectionTypeList;
+using dialog_ids::kEncryptionCheck;
+using dialog_ids::kLoginTypeList;
+using dialog_ids::kServerBox;
 
 // What the page must offer and show for one installed client.
 struct ClientCase {

@@ -6,15 +6,18 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 #include <set>
 
 #include "runtime/module_runtime.h"
 #include "tests/pages/connection_page_texts.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/pages/sheet_input.h"
+#include "tests/row_names.h"
 
 using namespace page_test;
 using namespace connection_page;
+using namespace dialog_ids;
 using test_support::PrivateCurrentUser;
 
 namespace {
@@ -285,65 +288,6 @@ TEST(ConnectionPage, LoginTypeSelectedByItsPriority) {
 
 // ---- Service port --------------------------------------------------------------------
 
-TEST(ConnectionPage, Port790WithoutEncryptionShowsEmpty) {
-    PrivateCurrentUser user("cp-port-790");
-    ConnectionSheet sheet("cp-port-790", "-h h -V 790");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(sheet.Record()->servicePort, 790);
-    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "");
-}
-
-TEST(ConnectionPage, Port4790WithEncryptionShowsEmpty) {
-    PrivateCurrentUser user("cp-port-4790");
-    ConnectionSheet sheet("cp-port-4790", "-h h -l -V 4790");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "");
-}
-
-TEST(ConnectionPage, Port790WithEncryptionIsShown) {
-    PrivateCurrentUser user("cp-port-790-l");
-    ConnectionSheet sheet("cp-port-790-l", "-h h -l -V 790");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "790");
-}
-
-TEST(ConnectionPage, Port4790WithoutEncryptionIsShown) {
-    PrivateCurrentUser user("cp-port-4790-plain");
-    ConnectionSheet sheet("cp-port-4790-plain", "-h h -V 4790");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), "4790");
-}
-
-TEST(ConnectionPage, ClearingThePortEditStoresNotGiven) {
-    PrivateCurrentUser user("cp-port-clear");
-    ConnectionSheet sheet("cp-port-clear", "-h h -v svc -V 8000");
-    ASSERT_TRUE(sheet.Ready());
-    TypeText(sheet.Control(kServicePortEdit), "");
-    EXPECT_EQ(sheet.Record()->servicePort, -1);
-    EXPECT_EQ(sheet.Record()->modified, 1);
-    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
-    EXPECT_EQ(sheet.Applied(), "-h h -v svc ");
-}
-
-TEST(ConnectionPage, PortEditIsReadAsDecimal) {
-    PrivateCurrentUser user("cp-port-type");
-    ConnectionSheet sheet("cp-port-type", "-h h -v svc");
-    ASSERT_TRUE(sheet.Ready());
-    TypeText(sheet.Control(kServicePortEdit), "4321");
-    EXPECT_EQ(sheet.Record()->servicePort, 4321);
-    EXPECT_EQ(sheet.Applied(), "-h h -V 4321 -v svc ");
-}
-
-TEST(ConnectionPage, PortEditTakesLeadingDigitsAsAtoiDoes) {
-    PrivateCurrentUser user("cp-port-atoi");
-    ConnectionSheet sheet("cp-port-atoi", "-h h -v svc");
-    ASSERT_TRUE(sheet.Ready());
-    // The edit admits digits only from the keyboard; text set otherwise still arrives.
-    TypeText(sheet.Control(kServicePortEdit), "81x9");
-    EXPECT_EQ(sheet.Record()->servicePort, 81);
-    EXPECT_EQ(sheet.Applied(), "-h h -V 81 -v svc ");
-}
-
 // ---- Check boxes -----------------------------------------------------------------------
 
 TEST(ConnectionPage, TogglingLegacyProtocolEnablesApplyButLeavesModified) {
@@ -479,42 +423,6 @@ TEST(ConnectionPage, RecentServerNamesAreTrimmedWhenPicked) {
     ASSERT_TRUE(sheet.Ready());
     SelectItem(sheet.Control(kServerBox), 0);
     EXPECT_EQ(sheet.Record()->host, "spaced.example");
-}
-
-TEST(ConnectionPage, ServerListHoldsRecentHostsInEnumerationOrderThenTheFilesHost) {
-    PrivateCurrentUser user("cp-recent-order");
-    AddRecentHost("zeta.example");
-    AddRecentHost("alpha.example");
-    ConnectionSheet sheet("cp-recent-order", "-h file.example");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(ListItems(sheet.Control(kServerBox)),
-              (std::vector<std::string>{"alpha.example", "zeta.example", "file.example"}));
-    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "file.example");
-}
-
-TEST(ConnectionPage, FilesHostAlreadyRecentIsListedOnce) {
-    PrivateCurrentUser user("cp-recent-once");
-    AddRecentHost("zeta.example");
-    AddRecentHost("alpha.example");
-    ConnectionSheet sheet("cp-recent-once", "-h zeta.example");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{"alpha.example", "zeta.example"}));
-    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "zeta.example");
-}
-
-TEST(ConnectionPage, MissingRecentHostsKeyListsOnlyTheFilesHost) {
-    PrivateCurrentUser user("cp-recent-missing");
-    ConnectionSheet sheet("cp-recent-missing", "-h only.example");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{"only.example"}));
-}
-
-TEST(ConnectionPage, NoHostAndNoRecentHostsLeaveTheServerListEmpty) {
-    PrivateCurrentUser user("cp-recent-none");
-    ConnectionSheet sheet("cp-recent-none", "-u tester");
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), (std::vector<std::string>{}));
-    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), "");
 }
 
 TEST(ConnectionPage, HostTypedByHandIsListedLastWhenThePageOpensAgain) {
@@ -677,26 +585,6 @@ TEST(ConnectionPage, LoginTypeListWithNoSelectionChangesNoFlag) {
     EXPECT_EQ(DisabledControls(sheet), std::set<int>{});
 }
 
-TEST(ConnectionPage, Client690InADomainListsWindowsDomainCredentialsLast) {
-    PrivateCurrentUser user("cp-domain-yes");
-    DomainAnswer domain(InDomain);
-    ConnectionSheet sheet("cp-domain-yes", "-h h", 690);
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(ListItems(sheet.Control(kLoginTypeList)),
-              (std::vector<std::string>{kAlwaysRequirePassword, kCachePassword, kTextWindow, kWindowsDomain}));
-    EXPECT_EQ(g_domainQuestions, 1);
-}
-
-TEST(ConnectionPage, Client690OutsideADomainListsExactlyThreeLoginTypes) {
-    PrivateCurrentUser user("cp-domain-no");
-    DomainAnswer domain(NotInDomain);
-    ConnectionSheet sheet("cp-domain-no", "-h h", 690);
-    ASSERT_TRUE(sheet.Ready());
-    EXPECT_EQ(ListItems(sheet.Control(kLoginTypeList)),
-              (std::vector<std::string>{kAlwaysRequirePassword, kCachePassword, kTextWindow}));
-    EXPECT_EQ(g_domainQuestions, 1);
-}
-
 TEST(ConnectionPage, DomainIsNotAskedBelow690) {
     PrivateCurrentUser user("cp-domain-689");
     DomainAnswer domain(InDomain);
@@ -846,3 +734,149 @@ TEST(ConnectionPageWithoutRecord, EveryCommandOfTheMapIsAnsweredAsHandled) {
                          reinterpret_cast<LPARAM>(sheet.Control(kEncryptionCheck))),
               FALSE);
 }
+
+// ---- Tables: one row per behaviour ----------------------------------------------------
+
+namespace {
+
+// The service port edit as the page opens on a file (client 7.26).
+struct PortOpenedCase {
+    const char* name;
+    const char* tag;
+    const char* file;
+    std::int32_t servicePort;  // what the record read
+    const char* edit;          // what the edit shows
+};
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const PortOpenedCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const PortOpenedCase kPortOpenedCases[] = {
+    {"Port790WithoutEncryptionShowsEmpty", "cp-port-790",        "-h h -V 790",     790,  ""},
+    {"Port4790WithEncryptionShowsEmpty",   "cp-port-4790",       "-h h -l -V 4790", 4790, ""},
+    {"Port790WithEncryptionIsShown",       "cp-port-790-l",      "-h h -l -V 790",  790,  "790"},
+    {"Port4790WithoutEncryptionIsShown",   "cp-port-4790-plain", "-h h -V 4790",    4790, "4790"},
+};
+// clang-format on
+
+class PortOnOpening : public ::testing::TestWithParam<PortOpenedCase> {};
+
+TEST_P(PortOnOpening, ShowsTheRowsText) {
+    const PortOpenedCase& c = GetParam();
+    PrivateCurrentUser user(c.tag);
+    ConnectionSheet sheet(c.tag, c.file);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(sheet.Record()->servicePort, c.servicePort);
+    EXPECT_EQ(WindowText(sheet.Control(kServicePortEdit)), c.edit);
+}
+
+INSTANTIATE_TEST_SUITE_P(ConnectionPage, PortOnOpening, ::testing::ValuesIn(kPortOpenedCases), RowName());
+
+// A text set into the service port edit: what the record stores, and what Apply writes.
+// The edit admits digits only from the keyboard; text set otherwise still arrives.
+struct PortTypedCase {
+    const char* name;
+    const char* tag;
+    const char* file;
+    const char* typed;
+    std::int32_t servicePort;
+    const char* applied;
+};
+void PrintTo(const PortTypedCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const PortTypedCase kPortTypedCases[] = {
+    {"ClearingThePortEditStoresNotGiven",    "cp-port-clear", "-h h -v svc -V 8000", "",     -1,   "-h h -v svc "},
+    {"PortEditIsReadAsDecimal",              "cp-port-type",  "-h h -v svc",         "4321", 4321, "-h h -V 4321 -v svc "},
+    {"PortEditTakesLeadingDigitsAsAtoiDoes", "cp-port-atoi",  "-h h -v svc",         "81x9", 81,   "-h h -V 81 -v svc "},
+};
+// clang-format on
+
+class PortTyped : public ::testing::TestWithParam<PortTypedCase> {};
+
+TEST_P(PortTyped, StoresAndWritesTheRowsPort) {
+    const PortTypedCase& c = GetParam();
+    PrivateCurrentUser user(c.tag);
+    ConnectionSheet sheet(c.tag, c.file);
+    ASSERT_TRUE(sheet.Ready());
+    TypeText(sheet.Control(kServicePortEdit), c.typed);
+    EXPECT_EQ(sheet.Record()->servicePort, c.servicePort);
+    EXPECT_EQ(sheet.Record()->modified, 1);
+    EXPECT_TRUE(ApplyEnabled(sheet.Sheet()));
+    EXPECT_EQ(sheet.Applied(), c.applied);
+}
+
+INSTANTIATE_TEST_SUITE_P(ConnectionPage, PortTyped, ::testing::ValuesIn(kPortTypedCases), RowName());
+
+// The server list as the page opens: the recent hosts under the user's key (none: no key at
+// all), then the file's host; the box shows the file's host.
+struct ServersOpenedCase {
+    const char* name;
+    const char* tag;
+    std::vector<std::string> recentHosts;  // created in this order
+    const char* file;
+    std::vector<std::string> listed;
+    const char* shown;
+};
+void PrintTo(const ServersOpenedCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const ServersOpenedCase kServersOpenedCases[] = {
+    {"ServerListHoldsRecentHostsInEnumerationOrderThenTheFilesHost", "cp-recent-order",   {"zeta.example", "alpha.example"}, "-h file.example",
+     {"alpha.example", "zeta.example", "file.example"}, "file.example"},
+    {"FilesHostAlreadyRecentIsListedOnce",                            "cp-recent-once",    {"zeta.example", "alpha.example"}, "-h zeta.example",
+     {"alpha.example", "zeta.example"},                 "zeta.example"},
+    {"MissingRecentHostsKeyListsOnlyTheFilesHost",                    "cp-recent-missing", {},                                "-h only.example",
+     {"only.example"},                                  "only.example"},
+    {"NoHostAndNoRecentHostsLeaveTheServerListEmpty",                 "cp-recent-none",    {},                                "-u tester",
+     {},                                                ""},
+};
+// clang-format on
+
+class ServersOnOpening : public ::testing::TestWithParam<ServersOpenedCase> {};
+
+TEST_P(ServersOnOpening, ListTheRowsServers) {
+    const ServersOpenedCase& c = GetParam();
+    PrivateCurrentUser user(c.tag);
+    for (const std::string& host : c.recentHosts) AddRecentHost(host);
+    ConnectionSheet sheet(c.tag, c.file);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kServerBox)), c.listed);
+    EXPECT_EQ(WindowText(sheet.Control(kServerBox)), c.shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(ConnectionPage, ServersOnOpening, ::testing::ValuesIn(kServersOpenedCases), RowName());
+
+// Client 6.90's login types, with the domain check answering as the row says (asked once).
+struct DomainLoginCase {
+    const char* name;
+    const char* tag;
+    DomainNameQuery domain;
+    std::vector<std::string> listed;
+};
+void PrintTo(const DomainLoginCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const DomainLoginCase kDomainLoginCases[] = {
+    {"Client690InADomainListsWindowsDomainCredentialsLast", "cp-domain-yes", InDomain,
+     {kAlwaysRequirePassword, kCachePassword, kTextWindow, kWindowsDomain}},
+    {"Client690OutsideADomainListsExactlyThreeLoginTypes",  "cp-domain-no",  NotInDomain,
+     {kAlwaysRequirePassword, kCachePassword, kTextWindow}},
+};
+// clang-format on
+
+class LoginTypesInDomain : public ::testing::TestWithParam<DomainLoginCase> {};
+
+TEST_P(LoginTypesInDomain, ListTheRowsEntries) {
+    const DomainLoginCase& c = GetParam();
+    PrivateCurrentUser user(c.tag);
+    DomainAnswer domain(c.domain);
+    ConnectionSheet sheet(c.tag, "-h h", 690);
+    ASSERT_TRUE(sheet.Ready());
+    EXPECT_EQ(ListItems(sheet.Control(kLoginTypeList)), c.listed);
+    EXPECT_EQ(g_domainQuestions, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(ConnectionPage, LoginTypesInDomain, ::testing::ValuesIn(kDomainLoginCases), RowName());
+
+}  // namespace

@@ -74,7 +74,7 @@ protected:
 TEST_F(RecordedBrowse, DialogGetsTheSourceTheFlagsTheFilterAndThePageAsOwner) {
     const ComPtr<VQCFileInfo> record = Record();
     OptionSheet sheet(record.Get());
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     ASSERT_EQ(recorded.calls, 1);
     EXPECT_EQ(recorded.settings.lStructSize, 152u);
     EXPECT_EQ(recorded.settings.lStructSize, OpenFileDialog::StructureSize());
@@ -93,7 +93,7 @@ TEST_F(RecordedBrowse, InitialNameLongerThan259CharactersIsCut) {
     const ComPtr<VQCFileInfo> record = Record(longPath);
     OptionSheet sheet(record.Get());
     EXPECT_EQ(sheet.Page()->IconFileForTesting(), longPath);
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     ASSERT_EQ(recorded.calls, 1);
     EXPECT_EQ(recorded.file, longPath.substr(0, 259));
 }
@@ -104,7 +104,7 @@ TEST_F(RecordedBrowse, CancelChangesNothing) {
     const HICON icon = record->icon.Get();
     recorded.answer = IconFile("true_colour");
     recorded.result = FALSE;
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     ASSERT_EQ(recorded.calls, 1);
     EXPECT_EQ(sheet.Page()->IconFileForTesting(), IconsDll());
     EXPECT_EQ(sheet.Label(), "Look for icons in: option_icons.dll");
@@ -120,7 +120,7 @@ TEST_F(RecordedBrowse, ConfirmedFileChangesLabelAndListButNotTheRecord) {
     const HICON small = record->smallIcon.Get();
     recorded.answer = IconFile("true_colour");
     recorded.result = TRUE;
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     EXPECT_EQ(sheet.Page()->IconFileForTesting(), IconFile("true_colour"));
     EXPECT_EQ(sheet.Label(), "Look for icons in: true_colour.ico");
     ASSERT_EQ(sheet.ListCount(), 1);
@@ -144,7 +144,7 @@ TEST_F(RecordedBrowse, ConfirmedFileWithoutIconsEmptiesTheList) {
     WriteFileBytes(plain, "no icons here");
     recorded.answer = plain;
     recorded.result = TRUE;
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     EXPECT_EQ(sheet.Label(), "Look for icons in: plain.txt");
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_TRUE(record->icon);
@@ -157,14 +157,14 @@ TEST_F(RecordedBrowse, ListedIconsOfTheOldSourceAreDestroyedOnRefill) {
     for (int i = 0; i < sheet.ListCount(); ++i) old.push_back(sheet.ListIcon(i));
     recorded.answer = IconFile("four_bit");
     recorded.result = TRUE;
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     ASSERT_EQ(old.size(), 5u);
     for (HICON icon : old) EXPECT_EQ(IconWidth(icon), 0) << "still alive";
 }
 
 TEST_F(RecordedBrowse, WithoutARecordNoDialogOpens) {
     OptionSheet sheet(nullptr);
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     EXPECT_EQ(recorded.calls, 0);
 }
 
@@ -197,7 +197,7 @@ TEST(OptionPageBrowseDialog, TypedFileChangesLabelAndListThenAClickChangesTheRec
     const std::string chosen = WindowsPath(IconFile("black_white"));
 
     page_test::FileDialogDriver driver(GetCurrentThreadId(), chosen);
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     driver.Finish();
     ASSERT_TRUE(driver.SawDialog());
     EXPECT_EQ(driver.Title(), "Open");
@@ -224,7 +224,7 @@ TEST(OptionPageBrowseDialog, CancelledDialogChangesNothing) {
     const HICON icon = record->icon.Get();
 
     page_test::FileDialogDriver driver(GetCurrentThreadId(), "");
-    sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+    sheet.ClickButton(dialog_ids::kBrowseButton);
     driver.Finish();
     ASSERT_TRUE(driver.SawDialog());
     EXPECT_EQ(sheet.Page()->IconFileForTesting(), WindowsPath(IconsDll()));

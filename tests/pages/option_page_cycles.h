@@ -106,11 +106,11 @@ inline bool OpenPickApplyClose(const std::string& file) {
         if (!sheet.Window()) return false;
         ok = ok && sheet.ListCount() == 5 && record->icon && record->smallIcon;
         const OpenFileDialog::ShowFunction previous = OpenFileDialog::SetShowFunctionForTesting(PickTheIconsDll);
-        sheet.ClickButton(CVQCOptionPage::kBrowseButtonId);
+        sheet.ClickButton(dialog_ids::kBrowseButton);
         OpenFileDialog::SetShowFunctionForTesting(previous);
         ok = ok && sheet.ListCount() == 5;
         sheet.ClickItem(1);
-        sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
+        sheet.ClickButton(dialog_ids::kDynamicSizingCheck);
         ok = ok && page_test::Apply(sheet.Sheet()) != FALSE;
     }
     const std::string written = ReadFileBytes(file);

@@ -73,7 +73,7 @@ void DrawThroughThePage(HWND page, const Canvas& canvas, int width, int height, 
     draw.itemID = itemId;
     draw.itemAction = action;
     draw.itemState = state;
-    draw.hwndItem = GetDlgItem(page, CVQCOptionPage::kIconListId);
+    draw.hwndItem = GetDlgItem(page, dialog_ids::kIconList);
     draw.hDC = canvas.Dc();
     draw.rcItem = {0, 0, width, height};
     draw.itemData = reinterpret_cast<ULONG_PTR>(icon);
@@ -90,7 +90,7 @@ TEST(OptionPageDraw, MeasuredItemsAreOneAndAHalfIconSizesSquare) {
     OptionSheet sheet(record.Get());
     MEASUREITEMSTRUCT measure{};
     measure.CtlType = ODT_LISTBOX;
-    measure.CtlID = CVQCOptionPage::kIconListId;
+    measure.CtlID = dialog_ids::kIconList;
     measure.itemWidth = 0xdeadbeef;
     measure.itemHeight = 0xdeadbeef;
     EXPECT_EQ(SendMessageA(sheet.Window(), WM_MEASUREITEM, measure.CtlID, reinterpret_cast<LPARAM>(&measure)), TRUE);
@@ -164,8 +164,7 @@ TEST(OptionPageDraw, WholeItemOnACanvasPutsTheIconAt20For32Pixels) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(72, 72);
-    DrawThroughThePage(sheet.Window(), canvas, 72, 72, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
-                       ODA_DRAWENTIRE, 0);
+    DrawThroughThePage(sheet.Window(), canvas, 72, 72, sheet.ListIcon(0), dialog_ids::kIconList, 0, ODA_DRAWENTIRE, 0);
     const std::vector<std::uint32_t> pixels = canvas.Pixels();
     EXPECT_EQ(pixels, ExpectedItem(72, 72, sheet.ListIcon(0), 32, GetSysColor(COLOR_WINDOW)));
     // (72 - 32) / 2 = 20: the icon's top-left corner is transparent (a quarter of it), its
@@ -181,8 +180,8 @@ TEST(OptionPageDraw, SmallerCellThanTheIconPutsItAboveAndLeftBySignedDivision) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(27, 27);
-    DrawThroughThePage(sheet.Window(), canvas, 27, 27, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
-                       ODA_DRAWENTIRE, ODS_SELECTED);
+    DrawThroughThePage(sheet.Window(), canvas, 27, 27, sheet.ListIcon(0), dialog_ids::kIconList, 0, ODA_DRAWENTIRE,
+                       ODS_SELECTED);
     // (27 - 32) / 2 = -2: the icon starts two pixels above and left of the cell.
     EXPECT_EQ(canvas.Pixels(), ExpectedItem(27, 27, sheet.ListIcon(0), 32, GetSysColor(COLOR_HIGHLIGHT)));
 }
@@ -192,7 +191,7 @@ TEST(OptionPageDraw, FocusActionDrawsOnlyTheFocusRectangle) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(48, 48);
-    DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0, ODA_FOCUS,
+    DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), dialog_ids::kIconList, 0, ODA_FOCUS,
                        ODS_FOCUS);
     const std::vector<std::uint32_t> pixels = canvas.Pixels();
     const std::vector<std::uint32_t> edge = Edge(pixels, 48, 48);
@@ -208,8 +207,8 @@ TEST(OptionPageDraw, FocusedWholeItemGetsFillIconAndFocusRectangle) {
     const ComPtr<VQCFileInfo> record = IconsRecord(folder);
     OptionSheet sheet(record.Get());
     Canvas canvas(48, 48);
-    DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId, 0,
-                       ODA_DRAWENTIRE, ODS_SELECTED | ODS_FOCUS);
+    DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), dialog_ids::kIconList, 0, ODA_DRAWENTIRE,
+                       ODS_SELECTED | ODS_FOCUS);
     const std::vector<std::uint32_t> pixels = canvas.Pixels();
     const std::uint32_t highlight = Rgb(GetSysColor(COLOR_HIGHLIGHT));
     const std::vector<std::uint32_t> edge = Edge(pixels, 48, 48);
@@ -225,7 +224,7 @@ TEST(OptionPageDraw, NegativeItemOrAnotherControlDrawsNothing) {
     const std::vector<std::uint32_t> untouched(48 * 48, Canvas::kUntouched);
     {
         Canvas canvas(48, 48);
-        DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), CVQCOptionPage::kIconListId,
+        DrawThroughThePage(sheet.Window(), canvas, 48, 48, sheet.ListIcon(0), dialog_ids::kIconList,
                            static_cast<UINT>(-1), ODA_DRAWENTIRE | ODA_FOCUS, ODS_FOCUS);
         EXPECT_EQ(canvas.Pixels(), untouched);
     }

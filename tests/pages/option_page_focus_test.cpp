@@ -34,7 +34,7 @@ TEST(OptionPageFocus, FocusedListDrawsTheFocusRectangleAroundTheCurrentItem) {
     EXPECT_GT(CountOf(edge, highlight ^ 0x00FFFFFF), static_cast<long>(edge.size()) / 4);
 
     // Without the focus the edge is the plain fill.
-    SetFocus(sheet.Control(CVQCOptionPage::kBrowseButtonId));
+    SetFocus(sheet.Control(dialog_ids::kBrowseButton));
     page_test::PumpMessages();
     const std::vector<std::uint32_t> plain = Edge(WindowPixels(sheet.List(), item), width, height);
     EXPECT_EQ(CountOf(plain, highlight), static_cast<long>(plain.size()));

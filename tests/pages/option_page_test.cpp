@@ -160,8 +160,8 @@ TEST(OptionPage, RecordWithoutIconAdoptsTheClientsFirstIconUntold) {
     EXPECT_EQ(IconWidth(record->smallIcon.Get()), GetSystemMetrics(SM_CXSMICON));
     // A copy of the listed icon, not the list's own.
     EXPECT_NE(record->icon.Get(), sheet.ListIcon(0));
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), record->icon.Get());
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), record->smallIcon.Get());
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kLargeIconView), record->icon.Get());
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kSmallIconView), record->smallIcon.Get());
     EXPECT_FALSE(sheet.ApplyEnabled());
     EXPECT_EQ(record->modified, 0);
 }
@@ -192,8 +192,8 @@ TEST(OptionPage, RecordWithAnIconKeepsIt) {
     OptionSheet sheet(record.Get());
     EXPECT_EQ(record->icon.Get(), icon);
     EXPECT_EQ(record->smallIcon.Get(), small);
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), icon);
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), small);
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kLargeIconView), icon);
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kSmallIconView), small);
     EXPECT_EQ(sheet.ListCount(), 5);
 }
 
@@ -209,7 +209,7 @@ TEST(OptionPage, WithoutAClientTheSourceIsThisModulesOwnFile) {
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_EQ(record->icon.Get(), nullptr);
     EXPECT_EQ(record->smallIcon.Get(), nullptr);
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), nullptr);
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kLargeIconView), nullptr);
 }
 
 TEST(OptionPage, SourceWithoutIconsLeavesTheSmallIconOfTheRecord) {
@@ -223,7 +223,7 @@ TEST(OptionPage, SourceWithoutIconsLeavesTheSmallIconOfTheRecord) {
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_EQ(record->icon.Get(), nullptr);
     EXPECT_EQ(record->smallIcon.Get(), small);
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), small);
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kSmallIconView), small);
 }
 
 // ---- Picking icons ------------------------------------------------------------------------
@@ -236,8 +236,8 @@ TEST(OptionPage, PickingAnIconChangesTheRecordAndEnablesApply) {
     sheet.ClickItem(2);
     EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kTrueColourLarge);
     EXPECT_NE(record->icon.Get(), sheet.ListIcon(2));
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kLargeIconViewId), record->icon.Get());
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), record->smallIcon.Get());
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kLargeIconView), record->icon.Get());
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kSmallIconView), record->smallIcon.Get());
     EXPECT_TRUE(sheet.ApplyEnabled());
     EXPECT_EQ(record->modified, 0);
 }
@@ -265,7 +265,7 @@ TEST(OptionPage, SmallIconThatCannotBeExtractedKeepsTheOldOne) {
     sheet.ClickItem(4);
     EXPECT_EQ(SignatureOf(record->icon.Get()), signature::kLarge48Large);
     EXPECT_EQ(record->smallIcon.Get(), small);
-    EXPECT_EQ(sheet.ShownIcon(CVQCOptionPage::kSmallIconViewId), small);
+    EXPECT_EQ(sheet.ShownIcon(dialog_ids::kSmallIconView), small);
 }
 
 TEST(OptionPage, SelectionChangeToNothingChangesNothing) {
@@ -331,7 +331,7 @@ TEST(OptionPage, CheckBoxIsCheckedExactlyWhenOptionSIsClear) {
         const ComPtr<VQCFileInfo> record = ClientRecord(folder);
         record->option_s = value;
         OptionSheet sheet(record.Get());
-        EXPECT_EQ(SendMessageA(sheet.Control(CVQCOptionPage::kDynamicSizingId), BM_GETCHECK, 0, 0),
+        EXPECT_EQ(SendMessageA(sheet.Control(dialog_ids::kDynamicSizingCheck), BM_GETCHECK, 0, 0),
                   value == 0 ? BST_CHECKED : BST_UNCHECKED);
     }
 }
@@ -341,10 +341,10 @@ TEST(OptionPage, CheckingClearsOptionSAndUncheckingSetsIt) {
     const ComPtr<VQCFileInfo> record = ClientRecord(folder);
     record->option_s = 1;
     OptionSheet sheet(record.Get());
-    sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
+    sheet.ClickButton(dialog_ids::kDynamicSizingCheck);
     EXPECT_EQ(record->option_s, 0);
     EXPECT_TRUE(sheet.ApplyEnabled());
-    sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
+    sheet.ClickButton(dialog_ids::kDynamicSizingCheck);
     EXPECT_EQ(record->option_s, 1);
     EXPECT_EQ(record->modified, 0);
     ASSERT_TRUE(page_test::Apply(sheet.Sheet()));
@@ -359,7 +359,7 @@ TEST(OptionPage, WithoutARecordTheControlsStayEmptyAndNothingReacts) {
     EXPECT_EQ(sheet.ListCount(), 0);
     EXPECT_EQ(sheet.Label(), "");
     EXPECT_EQ(sheet.Page()->IconFileForTesting(), "");
-    sheet.ClickButton(CVQCOptionPage::kDynamicSizingId);
+    sheet.ClickButton(dialog_ids::kDynamicSizingCheck);
     sheet.ClickItem(0);
     EXPECT_FALSE(sheet.ApplyEnabled());
     EXPECT_FALSE(page_test::Apply(sheet.Sheet()));

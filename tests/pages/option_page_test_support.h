@@ -74,7 +74,7 @@ public:
     HWND Sheet() const { return sheet_.Sheet(); }
     HWND Window() const { return page_ ? page_->Window() : nullptr; }
     HWND Control(int id) const { return GetDlgItem(Window(), id); }
-    HWND List() const { return Control(CVQCOptionPage::kIconListId); }
+    HWND List() const { return Control(dialog_ids::kIconList); }
 
     int ListCount() const { return static_cast<int>(SendMessageA(List(), LB_GETCOUNT, 0, 0)); }
     HICON ListIcon(int index) const {
@@ -85,7 +85,7 @@ public:
     }
     std::string Label() const {
         char text[512] = {};
-        GetWindowTextA(Control(CVQCOptionPage::kSourceLabelId), text, sizeof(text));
+        GetWindowTextA(Control(dialog_ids::kIconSourceLabel), text, sizeof(text));
         return text;
     }
     bool ApplyEnabled() const { return page_test::ApplyEnabled(Sheet()); }
@@ -93,7 +93,7 @@ public:
     // A click on list item index: the selection moves and the list tells its owner.
     void ClickItem(int index) const {
         SendMessageA(List(), LB_SETCURSEL, static_cast<WPARAM>(index), 0);
-        SendMessageA(Window(), WM_COMMAND, MAKEWPARAM(CVQCOptionPage::kIconListId, LBN_SELCHANGE),
+        SendMessageA(Window(), WM_COMMAND, MAKEWPARAM(dialog_ids::kIconList, LBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(List()));
         page_test::PumpMessages();
     }

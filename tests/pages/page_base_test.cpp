@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <ostream>
 #include <stdexcept>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "pages/resize_maps.h"
 #include "tests/connection/test_files.h"
 #include "tests/pages/page_test_support.h"
+#include "tests/row_names.h"
 #include "tests/window_assertions.h"
 
 using namespace page_test;
@@ -394,16 +396,6 @@ TEST(PageNotifications, ApplyWithoutARecordKeepsTheSheetOpenOnThePage) {
     EXPECT_TRUE(IsSameWindow(CurrentPage(sheet.Sheet()), page));
 }
 
-TEST(PageNotifications, ApplyWithoutARecordAnswersInvalidNoChangePage) {
-    DirectSheet sheet;
-    auto* page = sheet.Add<ProbePage>(nullptr);
-    ASSERT_NE(sheet.Show(), nullptr);
-    LRESULT result = 0xdeadbeef;
-    NMHDR header{sheet.Sheet(), 0, static_cast<UINT>(PSN_APPLY)};
-    EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
-    EXPECT_EQ(result, PSNRET_INVALID_NOCHANGEPAGE);
-}
-
 TEST(PageNotifications, SuccessfulApplyAnswersNoErrorAndTellsTheSheetThePageIsUnchanged) {
     TempFile file("unchanged", "-h server.example");
     ComPtr<VQCFileInfo> record = RecordFor(file.Path());
@@ -467,49 +459,6 @@ TEST(SameWindow, AssertionNamesTheSheetInBothFormsOfItsHandleAndNoOtherWindow) {
     EXPECT_NE(std::string(different.message()).find("name different windows"), std::string::npos);
 }
 
-TEST(PageNotifications, ApplyFromTheSheetInTheOtherFormOfItsHandleWrites) {
-    TempFile file("other-form", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
-    DirectSheet sheet;
-    auto* page = sheet.Add<ProbePage>(record.Get());
-    ASSERT_NE(sheet.Show(), nullptr);
-    LRESULT result = 0xdeadbeef;
-    NMHDR header{OtherFormOf(sheet.Sheet()), 0, static_cast<UINT>(PSN_APPLY)};
-    EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
-    EXPECT_EQ(result, PSNRET_NOERROR);
-    EXPECT_EQ(file.Content(), WriterBytes(*record.Get()));
-    EXPECT_NE(file.Content(), "-h   server.example");
-}
-
-TEST(PageNotifications, ApplyFromAForeignWindowIsNotHandledAndWritesNothing) {
-    TempFile file("foreign", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
-    DirectSheet sheet;
-    auto* page = sheet.Add<ProbePage>(record.Get());
-    ASSERT_NE(sheet.Show(), nullptr);
-    ForeignWindow foreign;
-    LRESULT result = 0xdeadbeef;
-    NMHDR header{foreign.Get(), 0, static_cast<UINT>(PSN_APPLY)};
-    EXPECT_FALSE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
-    EXPECT_EQ(result, static_cast<LRESULT>(0xdeadbeef));
-    EXPECT_EQ(ProbePage::PageDialogProc(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), FALSE);
-    EXPECT_EQ(Notify(page->Window(), foreign.Get(), PSN_APPLY), 0);
-    EXPECT_EQ(file.Content(), "-h   server.example");
-}
-
-TEST(PageNotifications, NotificationsFromThePageItselfAreHandled) {
-    TempFile file("self", "-h   server.example");
-    ComPtr<VQCFileInfo> record = RecordFor(file.Path());
-    DirectSheet sheet;
-    auto* page = sheet.Add<ProbePage>(record.Get());
-    ASSERT_NE(sheet.Show(), nullptr);
-    LRESULT result = 0xdeadbeef;
-    NMHDR header{page->Window(), 0, static_cast<UINT>(PSN_APPLY)};
-    EXPECT_TRUE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
-    EXPECT_EQ(result, PSNRET_NOERROR);
-    EXPECT_EQ(file.Content(), WriterBytes(*record.Get()));
-}
-
 TEST(PageNotifications, TenOtherSheetCodesAnswerZeroAndDoNothing) {
     TempFile file("ten", "-h   server.example");
     ComPtr<VQCFileInfo> record = RecordFor(file.Path());
@@ -545,16 +494,6 @@ TEST(PageNotifications, OtherCodesAreNotHandled) {
             << code;
         EXPECT_EQ(result, static_cast<LRESULT>(0xdeadbeef));
     }
-}
-
-TEST(PageNotifications, SetActiveFromAForeignWindowIsNotHandled) {
-    DirectSheet sheet;
-    auto* page = sheet.Add<ProbePage>(nullptr);
-    ASSERT_NE(sheet.Show(), nullptr);
-    ForeignWindow foreign;
-    LRESULT result = 0xdeadbeef;
-    NMHDR header{foreign.Get(), 0, static_cast<UINT>(PSN_SETACTIVE)};
-    EXPECT_FALSE(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result));
 }
 
 // --- Exceptions stop at the dialog procedure ----------------------------------------------------
@@ -631,3 +570,83 @@ TEST(PageHelpers, SendChangedTellsTheSheetWithThePagesWindowAndEnablesApply) {
     EXPECT_EQ(messages.seen[0].first, static_cast<UINT>(PSM_CHANGED));
     EXPECT_TRUE(IsSameWindow(messages.seen[0].second, page->Window()));
 }
+
+// --- Sheet notifications by sender: one row per behaviour ------------------------------------
+
+namespace {
+
+// Who sends a notification to the page.
+enum class Sender { Sheet, SheetInItsOtherForm, ThePageItself, ForeignWindow };
+
+// What the file holds afterwards.
+enum class FileAfter {
+    AsItWas,    // nothing written
+    Rewritten,  // the writer's bytes, which differ from the file's own spacing
+};
+
+// A probe page (with a record of "-h   server.example" or none) gets one notification through
+// its message map: handled or not, the result it answers, and the file afterwards. A
+// notification left unhandled answers nothing through the window either.
+struct NotificationCase {
+    const char* name;
+    bool withRecord;
+    Sender from;
+    UINT code;
+    bool handled;
+    LRESULT result;
+    FileAfter file;
+};
+// Each row shows in ctest's list as its name ("# GetParam() = <name>"), not as its bytes.
+void PrintTo(const NotificationCase& row, std::ostream* out) { *out << row.name; }
+
+// clang-format off
+const NotificationCase kNotificationCases[] = {
+    {"ApplyWithoutARecordAnswersInvalidNoChangePage",         false, Sender::Sheet,               PSN_APPLY,     true,  PSNRET_INVALID_NOCHANGEPAGE,      FileAfter::AsItWas},
+    {"ApplyFromTheSheetInTheOtherFormOfItsHandleWrites",      true,  Sender::SheetInItsOtherForm, PSN_APPLY,     true,  PSNRET_NOERROR,                   FileAfter::Rewritten},
+    {"ApplyFromAForeignWindowIsNotHandledAndWritesNothing",   true,  Sender::ForeignWindow,       PSN_APPLY,     false, static_cast<LRESULT>(0xdeadbeef), FileAfter::AsItWas},
+    {"NotificationsFromThePageItselfAreHandled",              true,  Sender::ThePageItself,       PSN_APPLY,     true,  PSNRET_NOERROR,                   FileAfter::Rewritten},
+    {"SetActiveFromAForeignWindowIsNotHandled",               false, Sender::ForeignWindow,       PSN_SETACTIVE, false, static_cast<LRESULT>(0xdeadbeef), FileAfter::AsItWas},
+};
+// clang-format on
+
+class NotificationBySender : public ::testing::TestWithParam<NotificationCase> {};
+
+TEST_P(NotificationBySender, IsAnsweredAsTheRowSays) {
+    const NotificationCase& c = GetParam();
+    const std::string original = "-h   server.example";
+    TempFile file(c.name, original);
+    ComPtr<VQCFileInfo> record;
+    if (c.withRecord) record = RecordFor(file.Path());
+    DirectSheet sheet;
+    auto* page = sheet.Add<ProbePage>(record.Get());
+    ASSERT_NE(sheet.Show(), nullptr);
+    ForeignWindow foreign;
+    HWND from = nullptr;
+    switch (c.from) {
+    case Sender::Sheet: from = sheet.Sheet(); break;
+    case Sender::SheetInItsOtherForm: from = OtherFormOf(sheet.Sheet()); break;
+    case Sender::ThePageItself: from = page->Window(); break;
+    case Sender::ForeignWindow: from = foreign.Get(); break;
+    }
+
+    LRESULT result = 0xdeadbeef;
+    NMHDR header{from, 0, c.code};
+    EXPECT_EQ(page->ProcessWindowMessage(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header), result),
+              c.handled);
+    EXPECT_EQ(result, c.result);
+    if (!c.handled) {
+        EXPECT_EQ(ProbePage::PageDialogProc(page->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header)), FALSE);
+        EXPECT_EQ(Notify(page->Window(), from, c.code), 0);
+    }
+    switch (c.file) {
+    case FileAfter::AsItWas: EXPECT_EQ(file.Content(), original); break;
+    case FileAfter::Rewritten:
+        EXPECT_EQ(file.Content(), WriterBytes(*record.Get()));
+        EXPECT_NE(file.Content(), original);
+        break;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(PageNotifications, NotificationBySender, ::testing::ValuesIn(kNotificationCases), RowName());
+
+}  // namespace

@@ -8,7 +8,11 @@
 #include "connection/option_line.h"
 #include "connection/option_walk.h"
 #include "pages/proxy_page_rules.h"
+#include "resources/dialog_ids.h"
 #include "resources/local_strings.h"
+
+using namespace dialog_ids;
+using namespace proxy_page;
 
 namespace {
 

@@ -45,7 +45,7 @@ struct EditedSheet {
         if (!sheet->Open()) return false;
         page = ShowPageTitled(sheet->Sheet(), "Connection");
         if (!page) return false;
-        TypeText(PageControl(page, connection_page::kLoginEdit), "changed");
+        TypeText(PageControl(page, dialog_ids::kLoginEdit), "changed");
         return ApplyEnabled(sheet->Sheet());
     }
     std::string ExpectedText(DWORD error) const {
@@ -87,7 +87,7 @@ TEST(SaveFailure, TheSheetStaysOpenOnItsPageWithTheEdit) {
     EXPECT_FALSE(SheetClosed(setup.sheet->Sheet()));
     EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->Sheet()), setup.page));
     EXPECT_TRUE(ApplyEnabled(setup.sheet->Sheet()));
-    EXPECT_EQ(WindowText(PageControl(setup.page, connection_page::kLoginEdit)), "changed");
+    EXPECT_EQ(WindowText(PageControl(setup.page, dialog_ids::kLoginEdit)), "changed");
     lock.Unlock();
     EXPECT_EQ(ReadFileBytes(setup.file), kLine);
 }

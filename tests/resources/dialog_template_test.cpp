@@ -173,7 +173,7 @@ TEST(DialogTemplate, WsVisibleIsAddedToEveryControl) {
     static constexpr LocalValue zero{0, 1, nullptr};
     const ControlDesc control{7, &zero, &zero, &zero, &zero, &hidden, &zero, u"static", nullptr};
     const ControlDesc* const controls[] = {&control, nullptr};
-    const DialogDesc desc{9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr, 8, nullptr, controls};
+    const DialogDesc desc{{9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr}, 8, nullptr, controls};
     const DecodedTemplate t = Decode(Build(desc, 1));
     ASSERT_EQ(t.controls.size(), 1u);
     EXPECT_EQ(t.controls[0].style, 0x50000000u);
@@ -183,7 +183,7 @@ TEST(DialogTemplate, NoFaceMeansNoFontPartAndNoSetFontBit) {
     static constexpr LocalValue zero{0, 1, nullptr};
     static constexpr LocalValue popup{static_cast<std::int32_t>(0x80000000u), 1, nullptr};
     const ControlDesc* const controls[] = {nullptr};
-    const DialogDesc desc{9, &zero, &zero, &zero, &zero, &popup, &zero, u"cls", nullptr, 8, nullptr, controls};
+    const DialogDesc desc{{9, &zero, &zero, &zero, &zero, &popup, &zero, u"cls", nullptr}, 8, nullptr, controls};
     const std::vector<std::uint8_t> bytes = Build(desc, 1);
     const DecodedTemplate t = Decode(bytes);
     EXPECT_EQ(t.style, 0x80000000u);
@@ -199,7 +199,7 @@ TEST(DialogTemplate, ValuesAreTruncatedToSixteenBits) {
     static constexpr LocalValue wide{0x12345, 1, nullptr};
     const ControlDesc control{0x10007, &wide, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr};
     const ControlDesc* const controls[] = {&control, nullptr};
-    const DialogDesc desc{9, &wide, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr, 8, nullptr, controls};
+    const DialogDesc desc{{9, &wide, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr}, 8, nullptr, controls};
     const DecodedTemplate t = Decode(Build(desc, 1));
     EXPECT_EQ(static_cast<std::uint16_t>(t.x), 0x2345);
     EXPECT_EQ(static_cast<std::uint16_t>(t.controls[0].x), 0x2345);

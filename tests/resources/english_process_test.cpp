@@ -97,7 +97,7 @@ TEST(DialogBuilder, StoredFaceOnlySwitchesTheFontOn) {
     static constexpr LocalValue zero{0, 1, nullptr};
     const ControlDesc* const controls[] = {nullptr};
     const DialogDesc desc{
-        9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr, 8, u"Stored Face Never Written", controls};
+        {9, &zero, &zero, &zero, &zero, &zero, &zero, nullptr, nullptr}, 8, u"Stored Face Never Written", controls};
     std::vector<std::uint8_t> bytes(BuildDialogTemplate(&desc, nullptr, 0));
     ASSERT_EQ(BuildDialogTemplate(&desc, bytes.data(), 0), bytes.size());
     const DecodedTemplate t = DecodeTemplate(bytes.data(), bytes.size());

@@ -12,19 +12,21 @@ root="$1"
 export BUILD_DIR="$2" VQC_WINEPREFIX="$3" WINEPREFIX="$3" WINEDEBUG=-all
 road=("${@:4}")
 if [ "${road[*]}" = "--32" ]; then
-  unregister=("$root/scripts/lib/wine32" 'C:\windows\syswow64\regsvr32.exe') dll=vqcprop32.dll
+  regsvr32=("$root/scripts/lib/wine32" 'C:\windows\syswow64\regsvr32.exe') dll=vqcprop32.dll
 else
-  unregister=("$root/scripts/lib/wine64" regsvr32) dll=vqcprop64.dll
+  regsvr32=("$root/scripts/lib/wine64" regsvr32) dll=vqcprop64.dll
 fi
 
 fail() { echo "FAIL: $*"; exit 1; }
 
+source "$root/scripts/lib/on-exit.sh"
+source "$root/scripts/lib/windows-path.sh"
 work=$(mktemp -d)
-cleanup() {
-  "${unregister[@]}" /u /s "Z:$(tr / '\\' <<<"$BUILD_DIR/properties/extension/$dll")" </dev/null >/dev/null 2>&1
-  rm -rf "$work"
+on_exit rm -rf "$work"
+unregister() {
+  "${regsvr32[@]}" /u /s "$(windows_path "$BUILD_DIR/properties/extension/$dll")" </dev/null >/dev/null 2>&1
 }
-trap cleanup EXIT
+on_exit unregister
 cp "$root/docs/samples/office.vqc" "$work/office.vqc"
 
 bash "$root/scripts/properties.sh" "$work/office.vqc" --screenshots "$work/shots" "${road[@]}" </dev/null >"$work/out" 2>"$work/err"

@@ -9,8 +9,9 @@ case_name="$1" root="$2"
 
 fail() { echo "FAIL: $*"; exit 1; }
 
+source "$root/scripts/lib/on-exit.sh"
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+on_exit rm -rf "$work"
 build="$work/build"
 mkdir -p "$build" "$work/files"
 

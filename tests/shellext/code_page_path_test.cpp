@@ -119,8 +119,8 @@ TEST_P(WideNamedFile, PagesShowTheFilesValues) {
     ASSERT_TRUE(sheet.Open());
     const HWND page = ShowPageTitled(sheet.Sheet(), "Connection");
     ASSERT_NE(page, nullptr);
-    EXPECT_EQ(WindowText(PageControl(page, connection_page::kServerBox)), "server.example");
-    EXPECT_EQ(WindowText(PageControl(page, connection_page::kLoginEdit)), "tester");
+    EXPECT_EQ(WindowText(PageControl(page, dialog_ids::kServerBox)), "server.example");
+    EXPECT_EQ(WindowText(PageControl(page, dialog_ids::kLoginEdit)), "tester");
 }
 
 TEST_P(WideNamedFile, ApplyWritesTheFileUnderItsOwnLongName) {
@@ -128,7 +128,7 @@ TEST_P(WideNamedFile, ApplyWritesTheFileUnderItsOwnLongName) {
     ASSERT_TRUE(sheet.Open());
     const HWND page = ShowPageTitled(sheet.Sheet(), "Connection");
     ASSERT_NE(page, nullptr);
-    TypeText(PageControl(page, connection_page::kLoginEdit), "changed");
+    TypeText(PageControl(page, dialog_ids::kLoginEdit), "changed");
     ASSERT_TRUE(Apply(sheet.Sheet()));
     const std::string written = ReadWide(path_);
     EXPECT_NE(written.find("-u changed"), std::string::npos) << written;

@@ -17,7 +17,7 @@
 #include "common/com_ptr.h"
 #include "pages/connection_page_rules.h"
 #include "pages/option_page.h"
-#include "pages/proxy_page_rules.h"
+#include "resources/dialog_ids.h"
 #include "tests/faults/fault_layer.h"
 #include "tests/faults/fault_sweep.h"
 #include "tests/pages/file_dialog_driver.h"
@@ -209,24 +209,24 @@ void BrowseCycle(HMODULE module, const std::string& file, const std::string& ico
     {
         const faults::PausedCounting setUp;
         checks.Expect(shell.Open(), "the sheet did not open without a fault");
-        if (shell.Sheet()) page = PageWith(shell.Sheet(), CVQCOptionPage::kBrowseButtonId);
+        if (shell.Sheet()) page = PageWith(shell.Sheet(), dialog_ids::kBrowseButton);
     }
     const HWND sheet = shell.Sheet();
     if (!page) return;
     {
         FileDialogDriver driver(GetCurrentThreadId(), iconFile, 5000);
-        ClickControl(page, CVQCOptionPage::kBrowseButtonId);
+        ClickControl(page, dialog_ids::kBrowseButton);
         PumpMessages();
         driver.Stop();
         driver.Finish();
         if (!faults::Fired()) checks.Expect(driver.SawDialog(), "no file dialog without a fault");
     }
-    const HWND list = GetDlgItem(page, CVQCOptionPage::kIconListId);
+    const HWND list = GetDlgItem(page, dialog_ids::kIconList);
     if (!faults::Fired())
         checks.Expect(SendMessageA(list, LB_GETCOUNT, 0, 0) == 1, "the chosen file's one icon is not listed");
     if (SendMessageA(list, LB_GETCOUNT, 0, 0) > 0) {
         SendMessageA(list, LB_SETCURSEL, 0, 0);
-        SendMessageA(page, WM_COMMAND, MAKEWPARAM(CVQCOptionPage::kIconListId, LBN_SELCHANGE),
+        SendMessageA(page, WM_COMMAND, MAKEWPARAM(dialog_ids::kIconList, LBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(list));
         PumpMessages();
     }

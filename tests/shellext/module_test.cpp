@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <string>
+
 #include "common/com_ptr.h"
+#include "registration/server_entries.h"
 #include "shellext/vqcprop.h"
 #include "shellext/vqcprop_ids.h"
 
@@ -30,7 +34,25 @@ BOOL WINAPI FailingFourthInitialization(LPCRITICAL_SECTION section, DWORD spin, 
     return ++g_initializations == 4 ? FALSE : InitializeCriticalSectionEx(section, spin, flags);
 }
 
+// Windows' own spelling of a GUID (upper-case hex, in braces).
+std::string SystemText(const GUID& guid) {
+    wchar_t wide[39] = {};
+    EXPECT_EQ(StringFromGUID2(guid, wide, 39), 39);
+    return std::string(wide, wide + 38);
+}
+
+std::string UpperCase(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return text;
+}
+
 }  // namespace
+
+// The binary identifiers are made from the texts registration writes; Windows must spell
+// each as that text again.
+TEST(ServerIds, ClassIdIsTheRegisteredClassText) { EXPECT_EQ(SystemText(CLSID_VQCProp), UpperCase(kClassIdText)); }
+
+TEST(ServerIds, LibraryIdIsTheRegisteredApplicationIdText) { EXPECT_EQ(SystemText(kVqcPropLibraryId), kAppIdText); }
 
 TEST(Module, CanUnloadWhenNothingIsAlive) {
     EXPECT_EQ(TheModule().GetLockCount(), 0);

@@ -26,8 +26,8 @@ using shell_road::PropertiesOnShellThread;
 namespace {
 
 constexpr DWORD kSheetWait = 20000;
-using connection_page::kLoginEdit;
-using connection_page::kServerBox;
+using dialog_ids::kLoginEdit;
+using dialog_ids::kServerBox;
 
 std::vector<std::string> Titles(HWND sheet) {
     std::vector<std::string> titles;

@@ -6,7 +6,7 @@
 #include "common/com_ptr.h"
 #include "pages/connection_page_rules.h"
 #include "pages/option_page.h"
-#include "pages/proxy_page_rules.h"
+#include "resources/dialog_ids.h"
 #include "tests/faults/fault_layer.h"
 #include "tests/pages/user_actions.h"
 #include "tests/shellext/shellext_test_support.h"
@@ -94,16 +94,16 @@ HWND PageWith(HWND sheet, int controlId) {
 unsigned EditEveryPage(HWND sheet) {
     unsigned pages = 0;
     for (int index = 0; index < PageCount(sheet); ++index) ShowPage(sheet, index);
-    if (const HWND page = PageWith(sheet, connection_page::kLoginEdit)) {
-        TypeText(page, connection_page::kLoginEdit, "changed");
+    if (const HWND page = PageWith(sheet, dialog_ids::kLoginEdit)) {
+        TypeText(page, dialog_ids::kLoginEdit, "changed");
         pages |= kConnectionPage;
     }
-    if (const HWND page = PageWith(sheet, kProxyHostEdit)) {
-        TypeText(page, kProxyHostEdit, "proxy.example");
+    if (const HWND page = PageWith(sheet, dialog_ids::kProxyHostEdit)) {
+        TypeText(page, dialog_ids::kProxyHostEdit, "proxy.example");
         pages |= kProxyPage;
     }
-    if (const HWND page = PageWith(sheet, CVQCOptionPage::kDynamicSizingId)) {
-        ClickControl(page, CVQCOptionPage::kDynamicSizingId);
+    if (const HWND page = PageWith(sheet, dialog_ids::kDynamicSizingCheck)) {
+        ClickControl(page, dialog_ids::kDynamicSizingCheck);
         pages |= kOptionsPage;
     }
     return pages;

@@ -6,6 +6,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "common/com_ptr.h"
@@ -273,6 +274,71 @@ TEST(VQCPropInitialize, MediumOtherThanGlobalMemoryIsRefused) {
     EXPECT_EQ(data.requests, 1);
     auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
     EXPECT_EQ(prop->FileName(), "");
+}
+
+namespace {
+
+// Counts the references given back to it: a medium's release object.
+class CountingUnknown : public IUnknown {
+public:
+    STDMETHODIMP QueryInterface(REFIID, void** object) override {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
+    STDMETHODIMP_(ULONG) Release() override {
+        ++releases;
+        return --references;
+    }
+    ULONG references = 1;
+    int releases = 0;
+};
+
+// A data object that hands out one file's drop list in global memory, with a release object:
+// ReleaseStgMedium on that medium would call the release object's Release.
+class DropListDataObject : public StreamDataObject {
+public:
+    explicit DropListDataObject(const std::string& file) : file_(file) {}
+    STDMETHODIMP GetData(FORMATETC*, STGMEDIUM* medium) override {
+        ++requests;
+        const std::size_t size = sizeof(DROPFILES) + file_.size() + 2;
+        drop = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size);
+        auto* header = static_cast<DROPFILES*>(GlobalLock(drop));
+        header->pFiles = sizeof(DROPFILES);
+        std::memcpy(reinterpret_cast<char*>(header) + sizeof(DROPFILES), file_.c_str(), file_.size());
+        GlobalUnlock(drop);
+        medium->tymed = TYMED_HGLOBAL;
+        medium->hGlobal = drop;
+        medium->pUnkForRelease = &releaser;
+        releaser.AddRef();
+        return S_OK;
+    }
+
+    HGLOBAL drop = nullptr;
+    CountingUnknown releaser;
+
+private:
+    std::string file_;
+};
+
+}  // namespace
+
+TEST(VQCPropInitialize, TheDropMediumIsNotHandedBack) {
+    TempFolder folder("init-medium");
+    const std::string file = folder.File("medium.vqc");
+    WriteFileBytes(file, "-h host");
+    DropListDataObject data(file);
+    ComPtr<IUnknown> object = NewObject();
+    EXPECT_EQ(As<IShellExtInit>(object, IID_IShellExtInit)->Initialize(nullptr, &data, nullptr), S_OK);
+    auto* prop = static_cast<VQCProp*>(static_cast<IVQCProp*>(object.Get()));
+    EXPECT_EQ(prop->FileName(), file);
+    ASSERT_EQ(data.requests, 1);
+    // Nothing gave the medium back: its release object kept the reference GetData gave it,
+    // and the global memory is still there.
+    EXPECT_EQ(data.releaser.releases, 0);
+    EXPECT_EQ(data.releaser.references, 2u);
+    EXPECT_NE(GlobalSize(data.drop), 0u);
+    GlobalFree(data.drop);
 }
 
 TEST(VQCPropLoad, NullNameIsInvalidArgument) {

@@ -4,8 +4,9 @@
 #   2. a tree with one badly laid-out source fails, naming that source and no other.
 set -uo pipefail
 ROOT=$(cd "$(dirname "$0")/../.." && pwd)
+source "$ROOT/scripts/lib/on-exit.sh"
 scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+on_exit rm -rf "$scratch"
 status=0
 fail() { echo "FAILED: $*"; status=1; }
 

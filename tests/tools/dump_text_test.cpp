@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/dump_text.h"
+#include "tools/vqctool/dump_text.h"
 
 TEST(DumpText, PlainTextIsQuoted) { EXPECT_EQ(QuotedForDump("server"), "\"server\""); }
 

@@ -4,15 +4,13 @@
 #include <gtest/gtest.h>
 
 #include "connection/icon_stream.h"
-#include "pages/connection_page_rules.h"
-#include "pages/proxy_page_rules.h"
+#include "resources/dialog_ids.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/pages/user_actions.h"
 #include "tests/support/test_icons.h"
 #include "tests/tools/vqctool_run.h"
 
 using namespace page_test;
-namespace cp = connection_page;
 using vqctool_test::Quoted;
 using vqctool_test::RunTool;
 using vqctool_test::ToolRun;
@@ -35,18 +33,18 @@ std::string ApplyOnThePages(const ExtensionCopy& dll, const std::string& file, b
     if (!sheet.Sheet()) return "<no sheet>";
     const HWND connection = ShowPageTitled(sheet.Sheet(), "Connection");
     EXPECT_NE(connection, nullptr);
-    ReplaceText(ComboEdit(GetDlgItem(connection, cp::kServerBox)), "new.example");
-    EXPECT_NE(ChooseListEntry(connection, cp::kLoginTypeList, "Cache password"), CB_ERR);
-    TypeText(connection, cp::kLoginEdit, "admin");
+    ReplaceText(ComboEdit(GetDlgItem(connection, dialog_ids::kServerBox)), "new.example");
+    EXPECT_NE(ChooseListEntry(connection, dialog_ids::kLoginTypeList, "Cache password"), CB_ERR);
+    TypeText(connection, dialog_ids::kLoginEdit, "admin");
     if (clearEncryption) {
-        EXPECT_TRUE(IsChecked(connection, cp::kEncryptionCheck));
-        ClickControl(connection, cp::kEncryptionCheck);
+        EXPECT_TRUE(IsChecked(connection, dialog_ids::kEncryptionCheck));
+        ClickControl(connection, dialog_ids::kEncryptionCheck);
     }
     const HWND proxy = ShowPageTitled(sheet.Sheet(), "Proxy");
     EXPECT_NE(proxy, nullptr);
-    EXPECT_NE(ChooseListEntry(proxy, kProxyRouteList, "Connect via a proxy server"), CB_ERR);
-    TypeText(proxy, kProxyHostEdit, "gate");
-    TypeText(proxy, kProxyPortEdit, "3128");
+    EXPECT_NE(ChooseListEntry(proxy, dialog_ids::kProxyRouteList, "Connect via a proxy server"), CB_ERR);
+    TypeText(proxy, dialog_ids::kProxyHostEdit, "gate");
+    TypeText(proxy, dialog_ids::kProxyPortEdit, "3128");
     EXPECT_TRUE(Apply(sheet.Sheet()));
     sheet.Destroy();
     return ReadFileBytes(file);

@@ -9,7 +9,7 @@ using namespace vqctool;
 
 namespace {
 
-ParsedCommandLine Parse(std::vector<std::string> arguments) { return ParseCommandLine(arguments); }
+ParsedCommandLine Parse(const std::vector<std::string>& arguments) { return ParseCommandLine(arguments); }
 
 }  // namespace
 

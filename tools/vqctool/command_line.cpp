@@ -132,6 +132,7 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
                         topic);
                 invocation.iconIndex = *number;
             } else {
+                // NOLINTNEXTLINE(performance-inefficient-string-concatenation): built once, on the way out
                 return Failure("unknown option \"" + argument + "\" for " + topic, topic);
             }
             continue;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 #include "common/ansi_text.h"
 #include "pages/proxy_page_rules.h"
@@ -10,6 +11,7 @@
 namespace vqctool {
 
 namespace cp = connection_page;
+namespace pp = proxy_page;
 
 namespace {
 
@@ -34,7 +36,7 @@ std::optional<cp::ConnectionType> ConnectionTypeOfFlag(std::uint8_t ConnectionSe
 // What an empty port edit stores on the pages.
 std::optional<std::int32_t> EmptyPortValue(std::int32_t ConnectionSettings::*member) noexcept {
     if (member == &ConnectionSettings::servicePort) return kServicePortNotGiven;
-    for (const PortEditRow& row : kProxyPortEdits)
+    for (const pp::PortEditRow& row : pp::kProxyPortEdits)
         if (row.field == member) return row.emptyValue;
     return std::nullopt;
 }
@@ -57,6 +59,20 @@ void ApplyFlag(ConnectionSettings& record, const RecordField& field, bool value)
     record.*field.flag = value ? 1 : 0;
 }
 
+// An edit that names a list's entry (a connection or login type) rather than a field's value;
+// `type` is the entry the value named, none when it named no entry.
+template <typename Type>
+std::optional<FieldEdit> EntryEdit(FieldEdit edit, FieldEdit::Kind kind, std::optional<Type> type, const char* what,
+                                   std::string_view value, std::string (*names)(), std::string& error) {
+    if (!type) {
+        error = "unknown " + std::string(what) + " \"" + std::string(value) + "\"; one of: " + names();
+        return std::nullopt;
+    }
+    edit.kind = kind;
+    edit.number = static_cast<std::int32_t>(*type);
+    return edit;
+}
+
 }  // namespace
 
 bool LooksLikeEdit(std::string_view argument) noexcept {
@@ -77,24 +93,13 @@ std::optional<FieldEdit> ParseEdit(std::string_view argument, std::string& error
     const std::string_view value = argument.substr(equals + 1);
 
     if (name == kConnectionTypeName) {
-        const auto type = ConnectionTypeByName(ansi_text::Trimmed(value));
-        if (!type) {
-            error = "unknown connection type \"" + std::string(value) + "\"; one of: " + ConnectionTypeNames();
-            return std::nullopt;
-        }
-        edit.kind = FieldEdit::Kind::ConnectionType;
-        edit.number = static_cast<std::int32_t>(*type);
-        return edit;
+        return EntryEdit(std::move(edit), FieldEdit::Kind::ConnectionType,
+                         ConnectionTypeByName(ansi_text::Trimmed(value)), "connection type", value, ConnectionTypeNames,
+                         error);
     }
     if (name == kLoginTypeName) {
-        const auto type = LoginTypeByName(ansi_text::Trimmed(value));
-        if (!type) {
-            error = "unknown login type \"" + std::string(value) + "\"; one of: " + LoginTypeNames();
-            return std::nullopt;
-        }
-        edit.kind = FieldEdit::Kind::LoginType;
-        edit.number = static_cast<std::int32_t>(*type);
-        return edit;
+        return EntryEdit(std::move(edit), FieldEdit::Kind::LoginType, LoginTypeByName(ansi_text::Trimmed(value)),
+                         "login type", value, LoginTypeNames, error);
     }
 
     const RecordField* field = FindField(name);

@@ -26,21 +26,14 @@ template <typename Change>
 FileOutcome ChangeFile(const std::string& path, std::int32_t version, bool dryRun, const char* what, Change change) {
     VQCFileInfo record(path.c_str());
     record.clientVersion = version;
-    const std::string error = ReadRecord(record, path);
-    if (!error.empty()) {
-        ReportFailure("cannot read", path, error);
-        return {false, true};
-    }
+    if (!ReadRecordOrReport(record, path)) return {false, true};
     change(record);
     if (dryRun) {
         std::printf("%s: would %s\n", path.c_str(), what);
         return {true, false};
     }
     const WriteResult written = WriteReplacing(record, path, WriteMode::Replace);
-    if (written.error != ERROR_SUCCESS) {
-        ReportFailure("cannot write", path, SystemErrorText(written.error));
-        return {false, true};
-    }
+    if (!WriteSucceededOrReport(written.error, path)) return {false, true};
     return {written.changed, false};
 }
 
@@ -79,11 +72,7 @@ int RunIconExport(const Invocation& invocation) {
     const std::string& path = invocation.files[0];
     const std::string& out = invocation.files[1];
     VQCFileInfo record(path.c_str());
-    const std::string error = ReadRecord(record, path);
-    if (!error.empty()) {
-        ReportFailure("cannot read", path, error);
-        return kExitFailed;
-    }
+    if (!ReadRecordOrReport(record, path)) return kExitFailed;
     if (!record.icon) {
         ReportFailure("cannot export the icon of", path, "the file has no icon");
         return kExitFailed;
@@ -98,11 +87,7 @@ int RunIconExport(const Invocation& invocation) {
     text.resize(static_cast<std::size_t>(cursor - text.data()));
     const std::vector<std::uint8_t> bytes = HexTextBytes(text);
     const DWORD written = WriteBytesReplacing(out, std::string(bytes.begin(), bytes.end()));
-    if (written != ERROR_SUCCESS) {
-        ReportFailure("cannot write", out, SystemErrorText(written));
-        return kExitFailed;
-    }
-    return kExitOk;
+    return WriteSucceededOrReport(written, out) ? kExitOk : kExitFailed;
 }
 
 }  // namespace vqctool

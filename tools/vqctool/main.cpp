@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
         std::setvbuf(stdout, buffer, _IOFBF, sizeof(buffer));
         return vqctool::Run(std::vector<std::string>(argv + 1, argv + argc));
     } catch (const HResultError& error) {
-        std::fprintf(stderr, "vqctool: failed with HRESULT 0x%08lX\n", static_cast<unsigned long>(error.code()));
+        std::fprintf(stderr, "vqctool: failed with HRESULT 0x%08lX\n", static_cast<unsigned long>(error.Code()));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vqctool: %s\n", error.what());
     }

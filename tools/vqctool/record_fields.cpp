@@ -1,7 +1,8 @@
 #include "tools/vqctool/record_fields.h"
 
-#include <cctype>
 #include <charconv>
+
+#include "common/ansi_text.h"
 
 namespace vqctool {
 
@@ -20,14 +21,6 @@ constexpr RecordField Unsigned(const char* name, std::uint32_t S::*member) {
 }
 constexpr RecordField Flag(const char* name, std::uint8_t S::*member, bool settable = true) {
     return {name, FieldKind::Flag, nullptr, nullptr, nullptr, member, settable};
-}
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
 }
 
 }  // namespace
@@ -108,9 +101,9 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept {
 
 std::optional<bool> ParseFlag(std::string_view text) noexcept {
     for (const char* yes : {"true", "yes", "on", "1"})
-        if (EqualsIgnoringCase(text, yes)) return true;
+        if (ansi_text::EqualsIgnoringCase(text, yes)) return true;
     for (const char* no : {"false", "no", "off", "0"})
-        if (EqualsIgnoringCase(text, no)) return false;
+        if (ansi_text::EqualsIgnoringCase(text, no)) return false;
     return std::nullopt;
 }
 

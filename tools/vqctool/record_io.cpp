@@ -41,9 +41,16 @@ std::string ReadRecord(VQCFileInfo& record, const std::string& path) {
     } catch (const HResultError& error) {
         std::string text;
         ansi_text::AppendFormat(text, "the reader failed with HRESULT 0x%08lX",
-                                static_cast<unsigned long>(error.code()));
+                                static_cast<unsigned long>(error.Code()));
         return text;
     }
+}
+
+bool ReadRecordOrReport(VQCFileInfo& record, const std::string& path) {
+    const std::string error = ReadRecord(record, path);
+    if (error.empty()) return true;
+    ReportFailure("cannot read", path, error);
+    return false;
 }
 
 std::optional<IconFormat> IconFormatOf(HICON icon) {
@@ -96,6 +103,12 @@ std::string AnsiToUtf8(std::string_view text) {
 
 void ReportFailure(const char* what, const std::string& path, const std::string& reason) {
     std::fprintf(stderr, "vqctool: %s %s: %s\n", what, path.c_str(), reason.c_str());
+}
+
+bool WriteSucceededOrReport(DWORD error, const std::string& path) {
+    if (error == ERROR_SUCCESS) return true;
+    ReportFailure("cannot write", path, SystemErrorText(error));
+    return false;
 }
 
 }  // namespace vqctool

@@ -32,6 +32,9 @@ std::string SystemErrorText(DWORD error);
 // Reads the file into the record (set up with its client before, as the pages' record is);
 // empty on success, else why it failed.
 std::string ReadRecord(VQCFileInfo& record, const std::string& path);
+// ReadRecord for a command that gives up on the file when it cannot be read: a failure is
+// reported ("cannot read") and answered false.
+bool ReadRecordOrReport(VQCFileInfo& record, const std::string& path);
 
 // The size and depth of an icon as the writer would encode it; none without an icon.
 std::optional<IconFormat> IconFormatOf(HICON icon);
@@ -44,5 +47,8 @@ std::string AnsiToUtf8(std::string_view text);
 
 // "vqctool: <what> <path>: <reason>" on stderr.
 void ReportFailure(const char* what, const std::string& path, const std::string& reason);
+
+// True for ERROR_SUCCESS; any other error of writing the path is reported ("cannot write").
+bool WriteSucceededOrReport(DWORD error, const std::string& path);
 
 }  // namespace vqctool

@@ -11,6 +11,7 @@
 namespace vqctool {
 
 namespace cp = connection_page;
+namespace pp = proxy_page;
 
 namespace {
 
@@ -128,10 +129,10 @@ std::vector<CheckFinding> UnofferedSettings(const ConnectionSettings& record) {
         findings.push_back(
             {"login-type", LoginTypeText(login), "", Version(version) + " is not offered this login type"});
     if (connection == cp::ConnectionType::Remote && version >= kFirstClientWithRoutes) {
-        for (const RouteEntry& entry : kRouteEntries) {
+        for (const pp::RouteEntry& entry : pp::kRouteEntries) {
             const bool used = entry.route == record.route &&
                               !(entry.route == kRouteBroker ? record.brokerHost : record.proxyHost).empty();
-            if (used && entry.route != kRouteDirect && !IsRouteEntryOffered(entry, &record))
+            if (used && entry.route != kRouteDirect && !pp::IsRouteEntryOffered(entry, &record))
                 findings.push_back(
                     {"routeName", RouteText(entry.route), "", Version(version) + " is not offered this route"});
         }

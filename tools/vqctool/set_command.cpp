@@ -18,11 +18,7 @@ int RunSet(const Invocation& invocation) {
         VQCFileInfo record(path.c_str());
         record.clientPath = client.path;
         record.clientVersion = version;
-        const std::string error = ReadRecord(record, path);
-        if (!error.empty()) {
-            ReportFailure("cannot read", path, error);
-            return FileOutcome{false, true};
-        }
+        if (!ReadRecordOrReport(record, path)) return FileOutcome{false, true};
         const ConnectionSettings before = record;
         ApplyEdits(record, invocation.edits);
         const std::vector<std::string> changes = DescribeChanges(before, record);
@@ -32,10 +28,7 @@ int RunSet(const Invocation& invocation) {
             return FileOutcome{!changes.empty(), false};
         }
         const WriteResult written = WriteReplacing(record, path, WriteMode::Replace, !changes.empty());
-        if (written.error != ERROR_SUCCESS) {
-            ReportFailure("cannot write", path, SystemErrorText(written.error));
-            return FileOutcome{false, true};
-        }
+        if (!WriteSucceededOrReport(written.error, path)) return FileOutcome{false, true};
         return FileOutcome{written.changed, false};
     });
 }
@@ -53,29 +46,17 @@ int RunNew(const Invocation& invocation) {
         ReportFailure("will not overwrite", path, "the file exists (--force replaces it)");
         return kExitFailed;
     }
-    if (written.error != ERROR_SUCCESS) {
-        ReportFailure("cannot write", path, SystemErrorText(written.error));
-        return kExitFailed;
-    }
-    return kExitOk;
+    return WriteSucceededOrReport(written.error, path) ? kExitOk : kExitFailed;
 }
 
 int RunRewrite(const Invocation& invocation) {
     const std::string& in = invocation.files[0];
     const std::string& out = invocation.files[1];
     VQCFileInfo record(in.c_str());
-    const std::string error = ReadRecord(record, in);
-    if (!error.empty()) {
-        ReportFailure("cannot read", in, error);
-        return kExitFailed;
-    }
+    if (!ReadRecordOrReport(record, in)) return kExitFailed;
     record.clientVersion = invocation.clientVersion ? *invocation.clientVersion : kUnknownClientVersion;
     const WriteResult written = WriteReplacing(record, out, WriteMode::CreateOrReplace);
-    if (written.error != ERROR_SUCCESS) {
-        ReportFailure("cannot write", out, SystemErrorText(written.error));
-        return kExitFailed;
-    }
-    return kExitOk;
+    return WriteSucceededOrReport(written.error, out) ? kExitOk : kExitFailed;
 }
 
 }  // namespace vqctool

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "connection/vqc_file_info.h"
-#include "tools/dump_text.h"
+#include "tools/vqctool/dump_text.h"
 #include "tools/vqctool/commands.h"
 #include "tools/vqctool/file_run.h"
 #include "tools/vqctool/record_fields.h"

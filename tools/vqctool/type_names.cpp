@@ -1,14 +1,15 @@
 #include "tools/vqctool/type_names.h"
 
 #include <array>
-#include <cctype>
 
+#include "common/ansi_text.h"
 #include "pages/proxy_page_rules.h"
 #include "resources/local_strings.h"
 
 namespace vqctool {
 
 namespace cp = connection_page;
+namespace pp = proxy_page;
 
 namespace {
 
@@ -20,23 +21,21 @@ std::string EnglishText(std::uint32_t id) {
     return text;
 }
 
-bool SameName(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
-
-constexpr std::array<const char*, kRouteEntryCount> kRouteKeywords = {"direct", "proxy", "broker"};
+constexpr std::array<const char*, pp::kRouteEntryCount> kRouteKeywords = {"direct", "proxy", "broker"};
 constexpr std::array<const char*, cp::kConnectionTypeCount> kConnectionKeywords = {"remote", "local", "discovery"};
 constexpr std::array<const char*, cp::kLoginTypeCount> kLoginKeywords = {
     "password", "cache-password", "text-window", "nt-domain", "nt-no-logon", "windows-domain"};
 
-const RouteEntry* RouteEntryOf(std::int32_t route) noexcept {
-    for (const RouteEntry& entry : kRouteEntries)
+const pp::RouteEntry* RouteEntryOf(std::int32_t route) noexcept {
+    for (const pp::RouteEntry& entry : pp::kRouteEntries)
         if (entry.route == route) return &entry;
     return nullptr;
+}
+
+// A name on the command line stands for a list's entry when it is the entry's keyword or the
+// entry's English text, in either case.
+bool NamesEntry(std::string_view name, std::string_view keyword, std::uint32_t textId) {
+    return ansi_text::EqualsIgnoringCase(name, keyword) || ansi_text::EqualsIgnoringCase(name, EnglishText(textId));
 }
 
 template <typename Keywords, typename TextOf>
@@ -52,12 +51,12 @@ std::string NameList(const Keywords& keywords, TextOf textOf) {
 }  // namespace
 
 std::string RouteText(std::int32_t route) {
-    const RouteEntry* entry = RouteEntryOf(route);
+    const pp::RouteEntry* entry = RouteEntryOf(route);
     return entry ? EnglishText(entry->textId) : std::string();
 }
 
 std::string ShownRouteText(const ConnectionSettings& record) {
-    return EnglishText(kRouteEntries[InitialRouteEntry(&record)].textId);
+    return EnglishText(pp::kRouteEntries[pp::InitialRouteEntry(&record)].textId);
 }
 
 std::string ConnectionTypeText(cp::ConnectionType type) { return EnglishText(cp::EntryOf(type).textId); }
@@ -65,8 +64,8 @@ std::string ConnectionTypeText(cp::ConnectionType type) { return EnglishText(cp:
 std::string LoginTypeText(cp::LoginType type) { return EnglishText(cp::EntryOf(type).textId); }
 
 const char* RouteKeyword(std::int32_t route) noexcept {
-    for (int i = 0; i < kRouteEntryCount; ++i)
-        if (kRouteEntries[i].route == route) return kRouteKeywords[static_cast<std::size_t>(i)];
+    for (int i = 0; i < pp::kRouteEntryCount; ++i)
+        if (pp::kRouteEntries[i].route == route) return kRouteKeywords[static_cast<std::size_t>(i)];
     return "";
 }
 
@@ -77,29 +76,26 @@ const char* ConnectionTypeKeyword(cp::ConnectionType type) noexcept {
 const char* LoginTypeKeyword(cp::LoginType type) noexcept { return kLoginKeywords[static_cast<std::size_t>(type)]; }
 
 std::optional<std::int32_t> RouteByName(std::string_view name) {
-    for (int i = 0; i < kRouteEntryCount; ++i)
-        if (SameName(name, kRouteKeywords[static_cast<std::size_t>(i)]) ||
-            SameName(name, EnglishText(kRouteEntries[i].textId)))
-            return kRouteEntries[i].route;
+    for (int i = 0; i < pp::kRouteEntryCount; ++i)
+        if (NamesEntry(name, kRouteKeywords[static_cast<std::size_t>(i)], pp::kRouteEntries[i].textId))
+            return pp::kRouteEntries[i].route;
     return std::nullopt;
 }
 
 std::optional<cp::ConnectionType> ConnectionTypeByName(std::string_view name) {
     for (const cp::ConnectionTypeEntry& entry : cp::kConnectionTypes)
-        if (SameName(name, ConnectionTypeKeyword(entry.type)) || SameName(name, EnglishText(entry.textId)))
-            return entry.type;
+        if (NamesEntry(name, ConnectionTypeKeyword(entry.type), entry.textId)) return entry.type;
     return std::nullopt;
 }
 
 std::optional<cp::LoginType> LoginTypeByName(std::string_view name) {
     for (const cp::LoginTypeEntry& entry : cp::kLoginTypes)
-        if (SameName(name, LoginTypeKeyword(entry.type)) || SameName(name, EnglishText(entry.textId)))
-            return entry.type;
+        if (NamesEntry(name, LoginTypeKeyword(entry.type), entry.textId)) return entry.type;
     return std::nullopt;
 }
 
 std::string RouteNames() {
-    return NameList(kRouteKeywords, [](std::size_t i) { return EnglishText(kRouteEntries[i].textId); });
+    return NameList(kRouteKeywords, [](std::size_t i) { return EnglishText(pp::kRouteEntries[i].textId); });
 }
 
 std::string ConnectionTypeNames() {

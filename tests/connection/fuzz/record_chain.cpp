@@ -101,6 +101,7 @@ ConnectionSettings ReadBytes(std::string_view bytes, std::int32_t clientVersion)
     const std::string line = argument_text::PrepareCommandLine(kProgramPath, true, bytes);
     const std::vector<std::string> elements = fuzz_split::SplitCommandLine(line);
     std::vector<const char*> argv;
+    argv.reserve(elements.size() + 1);
     for (const std::string& element : elements) argv.push_back(element.c_str());
     argv.push_back(nullptr);
     LayOptions(argv.data(), static_cast<int>(elements.size()), record);

@@ -1,4 +1,4 @@
-#include "tools/dump_text.h"
+#include "tools/vqctool/dump_text.h"
 
 #include "common/ansi_text.h"
 

@@ -1,4 +1,4 @@
-#include "tools/benchmark_files.h"
+#include "devtools/benchmark_files.h"
 
 #include <windows.h>
 #include <objbase.h>

@@ -26,9 +26,9 @@
 #include "shellext/vqcprop_ids.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/wide_text.h"
-#include "tools/benchmark_files.h"
-#include "tools/built_server.h"
-#include "tools/side_by_side.h"
+#include "devtools/benchmark_files.h"
+#include "devtools/built_server.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 
@@ -78,13 +78,6 @@ std::vector<std::string> ImportedDlls(const std::string& path) {
     return names;
 }
 
-bool DestroyBoth(HICON large, HICON small) {
-    const bool made = large && small;
-    if (large) DestroyIcon(large);
-    if (small) DestroyIcon(small);
-    return made;
-}
-
 bool OurFirstFile(const std::string& dllPath, const std::wstring& file) {
     HICON large = nullptr, small = nullptr;
     {
@@ -109,7 +102,7 @@ bool OurFirstFile(const std::string& dllPath, const std::wstring& file) {
                              MAKELONG(GetSystemMetrics(SM_CXICON), GetSystemMetrics(SM_CXSMICON))) != S_OK)
             return false;
     }
-    return DestroyBoth(large, small);
+    return benchmark_server::DestroyBoth(large, small);
 }
 
 bool ShortcutFirstFile(const std::wstring& file) {
@@ -130,7 +123,7 @@ bool ShortcutFirstFile(const std::wstring& file) {
         if (FAILED(link->GetIconLocation(location, MAX_PATH, &index))) return false;
         ExtractIconExA(location, index, &large, &small, 1);
     }
-    return DestroyBoth(large, small);
+    return benchmark_server::DestroyBoth(large, small);
 }
 
 // A child: one side's first file, its time in microseconds on stdout.

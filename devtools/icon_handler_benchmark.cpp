@@ -24,9 +24,9 @@
 #include "shellext/vqcprop_ids.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/wide_text.h"
-#include "tools/benchmark_files.h"
-#include "tools/built_server.h"
-#include "tools/side_by_side.h"
+#include "devtools/benchmark_files.h"
+#include "devtools/built_server.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 
@@ -69,18 +69,21 @@ private:
     double mark_;
 };
 
-// Both sides end a cycle alike: the two icons destroyed; true when both had been made.
-bool DestroyBoth(HICON large, HICON small) {
-    const bool made = large && small;
-    if (large) DestroyIcon(large);
-    if (small) DestroyIcon(small);
+// One cycle of either side: `makeIcons` makes the large and the small icon, marking the
+// clock's laps between its calls; the cycle ends with both destroyed. False when a call
+// failed or an icon is missing.
+template <typename MakeIcons>
+bool TimedCycle(Steps* steps, MakeIcons makeIcons) {
+    StepClock clock(steps);
+    HICON large = nullptr, small = nullptr;
+    if (!makeIcons(clock, large, small)) return false;
+    const bool made = benchmark_server::DestroyBoth(large, small);
+    clock.EndCycle();
     return made;
 }
 
 bool OurCycle(const std::wstring& path, Steps* steps) {
-    StepClock clock(steps);
-    HICON large = nullptr, small = nullptr;
-    {
+    return TimedCycle(steps, [&](StepClock& clock, HICON& large, HICON& small) {
         ComPtr<IPersistFile> file;
         if (FAILED(CoCreateInstance(CLSID_VQCProp, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile, file.PutVoid())))
             return false;
@@ -106,16 +109,12 @@ bool OurCycle(const std::wstring& path, Steps* steps) {
             ExtractIconExA(location, index, &large, &small, 1);
         }
         clock.Lap(&Steps::extract);
-    }
-    const bool made = DestroyBoth(large, small);
-    clock.EndCycle();
-    return made;
+        return true;
+    });
 }
 
 bool ShortcutCycle(const std::wstring& path, Steps* steps) {
-    StepClock clock(steps);
-    HICON large = nullptr, small = nullptr;
-    {
+    return TimedCycle(steps, [&](StepClock& clock, HICON& large, HICON& small) {
         ComPtr<IShellLinkA> link;
         if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, link.PutVoid())))
             return false;
@@ -130,10 +129,8 @@ bool ShortcutCycle(const std::wstring& path, Steps* steps) {
         clock.Lap(&Steps::location);
         ExtractIconExA(location, index, &large, &small, 1);
         clock.Lap(&Steps::extract);
-    }
-    const bool made = DestroyBoth(large, small);
-    clock.EndCycle();
-    return made;
+        return true;
+    });
 }
 
 void PrintSteps(const char* side, const char* extractName, const Steps& steps) {

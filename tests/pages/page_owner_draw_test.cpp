@@ -55,13 +55,6 @@ public:
 
 }  // namespace
 
-TEST(OwnerDrawRouter, ReflectedMessagesAreTheMessagesPlus0x2000) {
-    EXPECT_EQ(OCM_DRAWITEM_MESSAGE, 0x202Bu);
-    EXPECT_EQ(OCM_MEASUREITEM_MESSAGE, 0x202Cu);
-    EXPECT_EQ(OCM_DELETEITEM_MESSAGE, 0x202Du);
-    EXPECT_EQ(OCM_COMPAREITEM_MESSAGE, 0x2039u);
-}
-
 TEST(OwnerDrawRouter, DrawAndMeasureReachThePagesHooksInBothForms) {
     DirectSheet sheet;
     auto* page = sheet.Add<DrawProbePage>(nullptr);

@@ -1,4 +1,4 @@
-#include "tools/window_capture.h"
+#include "devtools/window_capture.h"
 
 #include <wincodec.h>
 

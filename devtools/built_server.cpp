@@ -1,4 +1,4 @@
-#include "tools/built_server.h"
+#include "devtools/built_server.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -51,6 +51,13 @@ SystemServer::SystemServer(REFCLSID id) {
     const HRESULT result = CoGetClassObject(id, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory_.PutVoid());
     if (FAILED(result)) Fail("CoGetClassObject", result);
     registration_ = Register(id, factory_.Get(), "a system class");
+}
+
+bool DestroyBoth(HICON large, HICON small) {
+    const bool made = large && small;
+    if (large) DestroyIcon(large);
+    if (small) DestroyIcon(small);
+    return made;
 }
 
 }  // namespace benchmark_server

@@ -27,9 +27,9 @@
 #include "tests/support/modeless_sheet.h"
 #include "tests/support/shell_selection.h"
 #include "tests/support/temp_folder.h"
-#include "tools/benchmark_files.h"
-#include "tools/built_server.h"
-#include "tools/side_by_side.h"
+#include "devtools/benchmark_files.h"
+#include "devtools/built_server.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 

@@ -27,7 +27,7 @@
 #include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_icons.h"
-#include "tools/side_by_side.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 

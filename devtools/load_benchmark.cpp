@@ -14,9 +14,9 @@
 #include "common/com_ptr.h"
 #include "common/win_handles.h"
 #include "shellext/vqcprop_ids.h"
-#include "tools/benchmark_files.h"
-#include "tools/built_server.h"
-#include "tools/side_by_side.h"
+#include "devtools/benchmark_files.h"
+#include "devtools/built_server.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 

@@ -67,4 +67,8 @@ private:
     std::unique_ptr<RegisteredClass> registration_;
 };
 
+// Both sides of a comparison end an icon cycle alike: the two icons it made destroyed. True
+// when both had been made.
+bool DestroyBoth(HICON large, HICON small);
+
 }  // namespace benchmark_server

@@ -19,7 +19,7 @@
 
 #include "common/win_handles.h"
 #include "tests/support/shell_properties_road.h"
-#include "tools/window_capture.h"
+#include "devtools/window_capture.h"
 
 namespace {
 

@@ -9,7 +9,8 @@
 // with the reader; set over the folder against this program reading each file, changing its
 // host and writing it in place as the pages' Apply does. Rounds alternate the sides; the
 // medians are compared.
-// VQC_BENCHMARK_TOOL names the tool (default: vqctool\vqctool.exe beside this program).
+// VQC_BENCHMARK_TOOL names the tool (default: the build's tools\vqctool\vqctool.exe, beside
+// this program's devtools folder).
 #include <windows.h>
 
 #include <algorithm>
@@ -24,8 +25,8 @@
 #include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_icons.h"
-#include "tools/benchmark_files.h"
-#include "tools/side_by_side.h"
+#include "devtools/benchmark_files.h"
+#include "devtools/side_by_side.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ std::string ToolPath() {
     if (GetEnvironmentVariableA("VQC_BENCHMARK_TOOL", configured, MAX_PATH) > 0) return configured;
     std::string folder = ProgramPath();
     folder.resize(folder.find_last_of('\\') + 1);
-    return folder + "vqctool\\vqctool.exe";
+    return folder + "..\\tools\\vqctool\\vqctool.exe";
 }
 
 // Runs a program with stdout into `out` and stderr discarded; its exit status.
