@@ -7,16 +7,20 @@ function(vqc_warnings target)
   endif()
 endfunction()
 
-# vqc_add_test(NAME SOURCES ... LIBS ... [PROPERTIES ...] [PREFIX text])
+# vqc_add_test(NAME SOURCES ... LIBS ... [PROPERTIES ...] [PREFIX text] [EMULATOR command...])
 # A GoogleTest executable; every test case becomes one ctest test. In the Windows build
-# it runs under Wine through CMAKE_CROSSCOMPILING_EMULATOR, discovered at test time.
+# it runs under Wine through CMAKE_CROSSCOMPILING_EMULATOR, discovered at test time; a
+# suite that needs the program started otherwise names its own EMULATOR.
 # A case gets 30 s (most take well under a second; a hang should fail fast); suites of long
 # runs name their own TIMEOUT in PROPERTIES.
 function(vqc_add_test name)
-  cmake_parse_arguments(ARG "" "PREFIX" "SOURCES;LIBS;PROPERTIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "PREFIX" "SOURCES;LIBS;PROPERTIES;EMULATOR" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   vqc_warnings(${name})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest_main)
+  if(ARG_EMULATOR)
+    set_property(TARGET ${name} PROPERTY CROSSCOMPILING_EMULATOR ${ARG_EMULATOR})
+  endif()
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60

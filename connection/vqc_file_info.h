@@ -10,6 +10,7 @@
 
 #include "common/win_handles.h"
 #include "connection/connection_settings.h"
+#include "connection/file_replacement.h"
 #include "connection/record_icon.h"
 
 struct IconInstruction;
@@ -36,7 +37,9 @@ public:
     // field and both icons come out as Read makes them, except commandLine (the -C text),
     // which is left as it is. Results and errors as Read.
     std::int32_t ReadForIcon(const char* path);
-    // Replaces the file at path with the record's option line; 0 or 1 as Read.
+    // Replaces the file at path with the record's option line; 0 or 1 as Read. The file is
+    // created anew and written; when that write fails, the bytes it held before are put
+    // back. How it ended is in lastWrite.
     std::int32_t Write(const char* path);
 
     // Whether the user is in a Windows domain. Windows is asked once per record; the
@@ -52,6 +55,9 @@ public:
     ULONG refCount = 0;
     RecordIcon icon;       // the file's own icon at its natural size (-I)
     RecordIcon smallIcon;  // the same icon at the system small-icon size
+    // How the last Write left the file: the pages say more when not even its old content
+    // could be put back.
+    Replacement lastWrite = Replacement::Written;
 
 private:
     std::int32_t ReadMapped(const char* path, bool withCommandText);

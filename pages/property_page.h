@@ -265,14 +265,18 @@ private:
     LRESULT ApplyRecord() {
         if (!m_record) return PSNRET_INVALID_NOCHANGEPAGE;
         DWORD error = ERROR_SUCCESS;
+        bool oldContentLost = false;
         try {
-            if (m_record->Write(m_record->filePath.c_str()) != 0) error = m_record->lastError;
+            if (m_record->Write(m_record->filePath.c_str()) != 0) {
+                error = m_record->lastError;
+                oldContentLost = m_record->lastWrite == Replacement::OldLost;
+            }
         } catch (const HResultError& failure) {
             // No memory for the file's text: as much a failed save as a full disk.
             error = static_cast<DWORD>(failure.Code());
         }
         if (error != ERROR_SUCCESS) {
-            ReportSaveFailure(GetParent(m_window), m_record->filePath, error);
+            ReportSaveFailure(GetParent(m_window), m_record->filePath, error, oldContentLost);
             return PSNRET_INVALID_NOCHANGEPAGE;
         }
         SendMessageA(GetParent(m_window), PSM_UNCHANGED, WPARAM(m_window), 0);

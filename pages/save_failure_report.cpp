@@ -13,10 +13,10 @@ std::string SystemTextForError(DWORD error) {
     return length > 0 && buffer ? std::string(buffer, length) : std::string();
 }
 
-void ReportSaveFailure(HWND sheet, const std::string& path, DWORD error) noexcept {
+void ReportSaveFailure(HWND sheet, const std::string& path, DWORD error, bool oldContentLost) noexcept {
     GuardWindowCall(
         [&] {
-            const std::string text = SaveFailureText(path, SystemTextForError(error), error);
+            const std::string text = SaveFailureText(path, SystemTextForError(error), error, oldContentLost);
             char title[256] = {};
             GetWindowTextA(sheet, title, static_cast<int>(sizeof(title)));
             MessageBoxA(sheet, text.c_str(), title, MB_OK | MB_ICONERROR);

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test, on a fresh Debian 12 machine or a warm one:
 #   1. installs what is missing (apt-get; needs root or sudo);
-#   2. builds the Windows tree twice with MinGW-w64 (64-bit in build/windows, 32-bit in
-#      build/windows-x86) and the portable cores natively with clang under
-#      AddressSanitizer and UndefinedBehaviorSanitizer (plus the libFuzzer targets);
+#   2. builds the Windows tree twice with MinGW-w64, 32-bit in build/windows-x86 (its DLL
+#      first: the 64-bit tree's package holds it) and 64-bit in build/windows, and the
+#      portable cores natively with clang under AddressSanitizer and
+#      UndefinedBehaviorSanitizer (plus the libFuzzer targets);
 #   3. prepares a private 64-bit Wine prefix inside the build folder (the 32-bit programs
 #      run in it too), starts Xvfb, a persistent wineserver and the helpers Wine would
 #      otherwise start on demand, all with their standard handles detached;

@@ -16,18 +16,28 @@ build_native() {
   cmake --build "$BUILD_DIR/native" -j "$JOBS"
 }
 
-# build_windows_tree PRESET: one Windows tree of the same sources, in BUILD_DIR/PRESET.
-build_windows_tree() {
-  configure_tree "$1" "$BUILD_DIR/$1"
-  cmake --build "$BUILD_DIR/$1" -j "$JOBS"
+# The 64-bit tree's package holds the 32-bit DLL too: the i686 tree (build/windows-x86)
+# builds it first, and the 64-bit tree is told where it is.
+build_windows() {
+  build_windows_x86_dll "$BUILD_DIR/windows-x86"
+  configure_tree windows "$BUILD_DIR/windows" -DVQC_DLL32_PATH="$BUILD_DIR/windows-x86/shellext/vqcprop32.dll"
+  cmake --build "$BUILD_DIR/windows" -j "$JOBS"
 }
 
-# The 64-bit tree (build/windows, vqcprop64.dll).
-build_windows() { build_windows_tree windows; }
+# build_windows_x86_dll TREE [CMAKE_ARGUMENTS...]: vqcprop32.dll in the i686 tree TREE.
+build_windows_x86_dll() {
+  local tree="$1"
+  shift
+  configure_tree windows-x86 "$tree" "$@"
+  cmake --build "$tree" -j "$JOBS" --target vqcprop
+}
 
-# The 32-bit tree (build/windows-x86, vqcprop32.dll), whose tests run in the 64-bit tree's
-# prefix.
-build_windows_x86() { build_windows_tree windows-x86; }
+# The whole 32-bit tree (build/windows-x86: vqcprop32.dll and the 32-bit programs and tests,
+# which run in the 64-bit tree's prefix).
+build_windows_x86() {
+  configure_tree windows-x86 "$BUILD_DIR/windows-x86"
+  cmake --build "$BUILD_DIR/windows-x86" -j "$JOBS"
+}
 
 # Xvfb, the prefix, the server and the helpers it starts on demand, all detached from our
 # output; stopped when the calling script exits.

@@ -5,6 +5,8 @@ VQC_PACKAGES=(
   # The DLL's 32-bit twin (vqcprop32.dll); wine32:i386 runs it (install_wine32).
   g++-mingw-w64-i686-posix binutils-mingw-w64-i686
   clang libclang-rt-14-dev
+  # The fuzz targets' coverage (scripts/fuzz-coverage.sh): llvm-profdata-14, llvm-cov-14.
+  llvm-14
   # The sources' layout and static checks (tests/style).
   clang-format clang-tidy
   googletest
@@ -15,7 +17,12 @@ VQC_PACKAGES=(
   # The glyphs of the Korean, Japanese and Chinese pages (scripts/properties.sh --lang).
   fonts-wqy-microhei
   # The installer package (scripts/package.sh): wixl builds it, msitools reads its tables.
-  wixl msitools zip
+  wixl msitools zip unzip
+  # Signing the files and the package (packaging/signed_package.sh) and the tests' throwaway
+  # certificate authority; the engine lets osslsigncode use a key on a PKCS#11 token.
+  osslsigncode openssl libengine-pkcs11-openssl
+  # The signing tests' own PKCS#11 token.
+  softhsm2
 )
 
 # install_missing_packages [PACKAGE...]: the build's packages and any named here, and 32-bit Wine.

@@ -82,8 +82,15 @@ wine32_installed() { [ -x /usr/lib/wine/wine ]; }
 # that was already running included.
 start_wine_server() {
   on_exit _vqc_stop_wine_server "$WINEPREFIX"
+  # The server opens every file for the prefix's programs. Run by root it would write a
+  # read-only file as no user's Windows does; without CAP_DAC_OVERRIDE it obeys the
+  # file's permissions, which is how Wine keeps the read-only attribute.
+  local as_a_user=()
+  if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
+    as_a_user=(setpriv --inh-caps=-dac_override --bounding-set=-dac_override --)
+  fi
   # -p fails when a server for this prefix is already running; that one serves as well.
-  wineserver -p </dev/null >/dev/null 2>&1 || true
+  "${as_a_user[@]}" wineserver -p </dev/null >/dev/null 2>&1 || true
   "$WINE_LOADER" cmd /c exit </dev/null >/dev/null 2>&1 || true
 }
 

@@ -19,6 +19,8 @@ struct LayerState {
     std::size_t moduleSize = 0;
     std::uint64_t calls = 0;
     std::uint64_t armedAt = 0;
+    const char* standing = nullptr;  // the function whose first call of a run fails
+    bool standingFailed = false;
     bool fired = false;
     CallSite firedCall;
     bool tracing = false;
@@ -173,6 +175,14 @@ void BeginCounting(std::uint64_t armAt, bool trace) {
     state.armedAt = armAt;
     state.fired = false;
     state.firedCall = CallSite{};
+    state.standingFailed = false;
+}
+
+void FailFirstCallOf(const char* function) {
+    LayerState& state = State();
+    const std::lock_guard<std::mutex> guard(state.lock);
+    state.standing = function;
+    state.standingFailed = false;
 }
 
 void ArmAt(std::uint64_t k) {
@@ -232,6 +242,11 @@ bool ShouldFail(const char* function, const void* returnAddress) {
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
     if (state.paused > 0) return false;
+    // Not counted: a k names the same call in every run, the counting run's included.
+    if (state.standing && !state.standingFailed && std::strcmp(function, state.standing) == 0) {
+        state.standingFailed = true;
+        return true;
+    }
     CallSite site{function, {}};
     site.path[0] = reinterpret_cast<std::uintptr_t>(returnAddress) - state.moduleBase;
     if (state.tracing || state.calls + 1 == state.armedAt) site.path = ModulePath(state, 1);

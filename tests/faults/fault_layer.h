@@ -89,6 +89,11 @@ void BeginCounting(std::uint64_t armAt, bool trace);
 // Fails call number k (1-based) of the module, once; 0 disarms (what fired stays known).
 void ArmAt(std::uint64_t k);
 
+// From now on, in every count (BeginCounting starts one), the first call of `function`
+// fails too, without being counted: a standing fault under which the armed one sweeps the
+// road that only a failure opens. Null ends it.
+void FailFirstCallOf(const char* function);
+
 // While one lives, the module's calls are neither counted nor failed (a scenario's own
 // set-up through the module); the books go on.
 class PausedCounting {

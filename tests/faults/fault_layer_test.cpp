@@ -125,6 +125,37 @@ TEST(FaultLayer, ArmedCallFailsWithTheDocumentedValueAndLastError) {
     faults::ArmAt(0);
 }
 
+TEST(FaultLayer, AStandingFaultFailsTheFirstCallOfItsFunctionInEachCountUncounted) {
+    const ProbeCopy probe("fault-standing");
+    const LoadedProbe module(probe.Path());
+    ASSERT_NE(module.Get(), nullptr);
+    faults::InstallInto(module.Get());
+    const auto open = Export<OpenFunction>(module.Get(), "ProbeOpen");
+    const auto close = Export<CloseFunction>(module.Get(), "ProbeClose");
+    faults::BeginCounting(1, false);
+    faults::FailFirstCallOf("CreateFileA");
+    for (int count = 0; count < 2; ++count) {
+        if (count > 0) faults::BeginCounting(1, false);
+        DWORD error = 0;
+        EXPECT_EQ(open(probe.DataFile().c_str(), &error), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(error, static_cast<DWORD>(ERROR_ACCESS_DENIED));
+        EXPECT_EQ(faults::CallCount(), 0u);
+        EXPECT_FALSE(faults::Fired());
+        // The armed call is the next one, which the standing fault leaves to it.
+        EXPECT_EQ(open(probe.DataFile().c_str(), &error), INVALID_HANDLE_VALUE);
+        EXPECT_TRUE(faults::Fired());
+        const HANDLE third = open(probe.DataFile().c_str(), &error);
+        EXPECT_NE(third, INVALID_HANDLE_VALUE);
+        close(third);
+    }
+    faults::FailFirstCallOf(nullptr);
+    faults::BeginCounting(0, false);
+    DWORD error = 0;
+    const HANDLE file = open(probe.DataFile().c_str(), &error);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    close(file);
+}
+
 TEST(FaultLayer, BooksCountWhatTheModuleOpensUntilItClosesIt) {
     const ProbeCopy probe("fault-books");
     const LoadedProbe module(probe.Path());

@@ -43,6 +43,7 @@ RunOutcome RunOnce(const std::string& modulePath, const Scenario& scenario, cons
                 ForgetLiveObjects();
             }
             BeginCounting(armAt, trace);
+            FailFirstCallOf(options.standingFault);
             scenario(module, checks);
         } catch (const std::exception& error) {
             checks.Expect(false, std::string("an exception reached the caller: ") + error.what());
@@ -51,6 +52,7 @@ RunOutcome RunOnce(const std::string& modulePath, const Scenario& scenario, cons
         }
     });
     runner.join();
+    FailFirstCallOf(nullptr);
     outcome.fired = Fired();
     outcome.firedCall = FiredCall();
     ArmAt(0);

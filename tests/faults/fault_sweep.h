@@ -42,6 +42,9 @@ struct SweepOptions {
     std::function<void(HMODULE module)> warmUp;
     // Checks that can only be made once the module is gone (what it writes at unload).
     std::function<void(RunChecks&)> afterUnload;
+    // A function whose first call fails in every run, the counting run included (null:
+    // none): the sweep then covers what the module does after that failure.
+    const char* standingFault = nullptr;
 };
 
 struct SweepReport {

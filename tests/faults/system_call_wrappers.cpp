@@ -40,6 +40,9 @@ namespace {
     X(CreateSemaphoreA) \
     X(DuplicateHandle) \
     X(WriteFile) \
+    X(ReadFile) \
+    X(SetFilePointerEx) \
+    X(SetEndOfFile) \
     X(GetFileSize) \
     X(GetFileAttributesA) \
     X(GetShortPathNameW) \
@@ -210,6 +213,21 @@ BOOL WINAPI Wrap_WriteFile(HANDLE file, LPCVOID data, DWORD size, LPDWORD writte
         return FailWith(FALSE, ERROR_DISK_FULL);
     }
     return VQC_REAL(WriteFile)(file, data, size, written, overlapped);
+}
+BOOL WINAPI Wrap_ReadFile(HANDLE file, LPVOID data, DWORD size, LPDWORD read, LPOVERLAPPED overlapped) {
+    if (VQC_FAIL_HERE(ReadFile)) {
+        if (read) *read = 0;
+        return FailWith(FALSE, ERROR_READ_FAULT);
+    }
+    return VQC_REAL(ReadFile)(file, data, size, read, overlapped);
+}
+BOOL WINAPI Wrap_SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position, DWORD method) {
+    if (VQC_FAIL_HERE(SetFilePointerEx)) return FailWith(FALSE, ERROR_ACCESS_DENIED);
+    return VQC_REAL(SetFilePointerEx)(file, distance, position, method);
+}
+BOOL WINAPI Wrap_SetEndOfFile(HANDLE file) {
+    if (VQC_FAIL_HERE(SetEndOfFile)) return FailWith(FALSE, ERROR_DISK_FULL);
+    return VQC_REAL(SetEndOfFile)(file);
 }
 DWORD WINAPI Wrap_GetFileSize(HANDLE file, LPDWORD high) {
     if (VQC_FAIL_HERE(GetFileSize)) return FailWith(INVALID_FILE_SIZE, ERROR_ACCESS_DENIED);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The ".vqc" file type is a feature of its own that an administrator can leave out: installed
-# with ADDLOCAL=Server the package writes the class but no ".vqc" or "VCLIENT" key, and on a
+# with ADDLOCAL=Server the package writes the class (in both views) but no ".vqc" or "VCLIENT" key, and on a
 # machine where it was installed whole, msiexec /i ... REMOVE=FileType takes the file type
 # away and leaves the class. Fresh prefixes of its own.
 #   file_type_feature_check.sh ROOT PACKAGING_DIR PACKAGE
@@ -13,6 +13,8 @@ expect_class_without_file_type() {
   registry_of "$1" >"$work/registry"
   grep -qixF "HKLM\\Software\\Classes\\CLSID\\$CLASS_ID\\InProcServer32" "$work/registry" ||
     fail "$2: the class must be registered"
+  grep -qixF "HKLM\\Software\\Classes\\Wow6432Node\\CLSID\\$CLASS_ID\\InProcServer32" "$work/registry" ||
+    fail "$2: the class must be registered in the 32-bit view"
   if grep -iE '^HK(LM|CU)\\Software\\Classes\\(\.vqc|VCLIENT)(\\|$)' "$work/registry"; then
     fail "$2: no .vqc or VCLIENT key may be written"
   fi

@@ -4,13 +4,15 @@
 # Wine's shell (the General page, then Connection, Proxy and Options), and
 # installed_server_tests plays the shell's part for the icon (Wine's shell loads no icon
 # handler) against the installed copy.
-#   installed_shell_check.sh ROOT PACKAGING_DIR PACKAGE SHELL_PROPERTIES_EXE INSTALLED_SERVER_TESTS_EXE
+# PREFIX_NAME names the test's prefix (default shell-installed), so that the signed package's
+# run does not share the unsigned one's.
+#   installed_shell_check.sh ROOT PACKAGING_DIR PACKAGE SHELL_PROPERTIES_EXE INSTALLED_SERVER_TESTS_EXE [PREFIX_NAME]
 set -uo pipefail
-ROOT="$1" PACKAGING_DIR="$2" package="$3" shell_properties="$4" server_tests="$5"
+ROOT="$1" PACKAGING_DIR="$2" package="$3" shell_properties="$4" server_tests="$5" prefix_name="${6:-shell-installed}"
 source "$ROOT/tests/packaging/package_prefixes.sh"
 [ -n "${DISPLAY:-}" ] || start_test_display || fail "no display for the property sheet"
 
-prefix=$(new_prefix shell-installed)
+prefix=$(new_prefix "$prefix_name")
 msiexec_in "$prefix" /i "$package" || fail "msiexec /i failed with status $?"
 
 cp "$ROOT/docs/samples/office.vqc" "$work/office.vqc"

@@ -93,12 +93,37 @@ without_wine_start_noise() {
   grep -v -E '^HKLM\\System\\CurrentControlSet\\(Control\\Class|Enum)\\|^HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards(\\|$)' || true
 }
 
-# The installed files, where the package puts them.
+# The installed files, where the package puts them: vqcprop64.dll and vqctool.exe in the
+# 64-bit Program Files, vqcprop32.dll in the 32-bit one.
 INSTALL_FOLDER_WINDOWS='C:\Program Files\vqcprop64'
 install_folder_of() { echo "$1/drive_c/Program Files/vqcprop64"; }
+INSTALL_FOLDER32_WINDOWS='C:\Program Files (x86)\vqcprop64'
+install_folder32_of() { echo "$1/drive_c/Program Files (x86)/vqcprop64"; }
+# The 32-bit regsvr32, which registers a 32-bit DLL into the 32-bit view.
+REGSVR32_32BIT='C:\windows\syswow64\regsvr32.exe'
 
 CLASS_ID="{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}"
 APP_ID="{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}"
+
+# our_keys_in_view PREFIX 32|64: every key of ours below HKEY_CLASSES_ROOT as a program of that
+# bitness sees it (reg export /reg:32 or /reg:64), one sorted line per key and value.
+our_keys_in_view() {
+  local prefix="$1" view="$2" export="$work/view-export.reg"
+  rm -f "$export"
+  in_prefix "$prefix" reg export 'HKCR' "$(windows_path "$export")" "/reg:$view" /y ||
+    fail "reg export of HKEY_CLASSES_ROOT /reg:$view failed"
+  python3 "$ROOT/tests/packaging/registry_export.py" "$export" "HKEY_CLASSES_ROOT\\CLSID\\$CLASS_ID" \
+    "HKEY_CLASSES_ROOT\\AppID\\$APP_ID" 'HKEY_CLASSES_ROOT\AppID\vqcprop64.dll' 'HKEY_CLASSES_ROOT\AppID\vqcprop32.dll' \
+    'HKEY_CLASSES_ROOT\.vqc' 'HKEY_CLASSES_ROOT\VCLIENT'
+}
+
+# expect_server_in_view PREFIX 32|64 DLL_WINDOWS_PATH: the class's server in that view is DLL.
+expect_server_in_view() {
+  local doubled="${3//\\/\\\\}"
+  our_keys_in_view "$1" "$2" >"$work/view-$2"
+  grep -qixF "HKEY_CLASSES_ROOT\\CLSID\\$CLASS_ID\\InProcServer32"$'\t'"@=\"$doubled\"" "$work/view-$2" ||
+    { cat "$work/view-$2"; fail "the class's server in the $2-bit view must be $3"; }
+}
 
 # remember_state PREFIX NAME: the prefix's registry and files now, in $work/NAME.registry and
 # $work/NAME.files, after a first program has run (Wine's own first-start writes done).

@@ -2,7 +2,8 @@
 # A newer package replaces an older one and an older one is refused. The test builds the
 # next version (patch + 1) with scripts/package.sh in a build folder of its own, then in a
 # fresh prefix of its own: version N installed, N+1 installed over it (one product listed,
-# N+1's files in place, vqctool saying N+1), N refused by the downgrade condition and the
+# N+1's files in place, both DLLs still registered, each in its own view of the registry, with
+# the classes as N had them, vqctool saying N+1), N refused by the downgrade condition and the
 # machine left as N+1 had it, and msiexec /x of N+1 leaves the registry and C:\ as before.
 #   upgrade_check.sh ROOT PACKAGING_DIR PACKAGE
 set -uo pipefail
@@ -37,6 +38,9 @@ prefix=$(new_prefix upgrade)
 remember_state "$prefix" before
 msiexec_in "$prefix" /i "$package" || fail "msiexec /i of $version failed with status $?"
 [ "$(products_listed "$prefix")" = "$version" ] || fail "after installing $version the products listed are: $(products_listed "$prefix")"
+# The classes root without the Installer's bookkeeping (its source lists name the package).
+classes_of() { registry_of "$1" 'HKLM\Software\Classes' | grep -viE '^HKLM\\Software\\Classes\\Installer(\\|$|'$'\t'')'; }
+classes_of "$prefix" >"$work/installed.classes"
 
 msiexec_in "$prefix" /i "$next_package" || fail "msiexec /i of $next over $version failed with status $?"
 [ "$(products_listed "$prefix")" = "$next" ] ||
@@ -46,6 +50,12 @@ for file in vqcprop64.dll vqctool.exe; do
   cmp -s "$(find "$work/next-files" -name "$file")" "$(install_folder_of "$prefix")/$file" ||
     fail "$file must be $next's after the upgrade"
 done
+cmp -s "$(find "$work/next-files" -name vqcprop32.dll)" "$(install_folder32_of "$prefix")/vqcprop32.dll" ||
+  fail "vqcprop32.dll must be $next's after the upgrade"
+expect_server_in_view "$prefix" 64 "$INSTALL_FOLDER_WINDOWS\\vqcprop64.dll"
+expect_server_in_view "$prefix" 32 "$INSTALL_FOLDER32_WINDOWS\\vqcprop32.dll"
+classes_of "$prefix" | diff "$work/installed.classes" - ||
+  fail "after the upgrade the classes (both views, the file type) must be as $version had them"
 [ "$(tool_version "$prefix")" = "vqctool $next" ] || fail "the installed vqctool says '$(tool_version "$prefix")', not $next"
 files_of "$prefix" >"$work/upgraded.files"
 registry_of "$prefix" 'HKLM\Software\Classes' >"$work/upgraded.classes"

@@ -1,17 +1,20 @@
-// A save that fails is told to the user: Apply on a file another program holds locked shows
-// one message box owned by the sheet, naming the file and the system's text for the error;
-// the sheet stays open on its page with the edit, and an Apply once the lock is gone writes.
+// A save that fails is told to the user: Apply on a file another program holds locked, or
+// one made read-only since the sheet opened, shows one message box owned by the sheet,
+// naming the file and the system's text for the error; the sheet stays open on its page
+// with the edit, the file keeps its bytes, and an Apply once the file is free writes.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/ansi_text.h"
 #include "common/same_window.h"
 #include "common/win_handles.h"
+#include "resources/dialog_ids.h"
 #include "pages/connection_page_rules.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/window_assertions.h"
@@ -33,6 +36,34 @@ public:
 private:
     UniqueKernelHandle handle_;
 };
+
+// The user (or another program) sets the file's read-only attribute, and clears it again.
+class ReadOnlyFile {
+public:
+    explicit ReadOnlyFile(std::string path) : path_(std::move(path)) {
+        made_ = SetFileAttributesA(path_.c_str(), FILE_ATTRIBUTE_READONLY) != FALSE;
+    }
+    ~ReadOnlyFile() { Clear(); }
+    ReadOnlyFile(const ReadOnlyFile&) = delete;
+    ReadOnlyFile& operator=(const ReadOnlyFile&) = delete;
+    // Whether the system now refuses to open the file for writing, as Windows does.
+    bool Refused() const {
+        const UniqueKernelHandle file(CreateFileA(path_.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+        return made_ && !file && GetLastError() == ERROR_ACCESS_DENIED;
+    }
+    void Clear() { SetFileAttributesA(path_.c_str(), FILE_ATTRIBUTE_NORMAL); }
+
+private:
+    std::string path_;
+    bool made_ = false;
+};
+
+// Wine keeps the attribute as the host file's permissions, which only a server that obeys
+// them enforces (the test command starts its server so, also when run by root).
+constexpr char kReadOnlyNotEnforced[] =
+    "the read-only file can be opened for writing: this prefix's server ignores file permissions "
+    "(root with CAP_DAC_OVERRIDE); start it as scripts/lib/wine-env.sh does";
 
 // A DLL copy, a connection file beside it, the shell's sheet for that file, and a new login
 // typed on the Connection page.
@@ -114,6 +145,32 @@ TEST(SaveFailure, ApplyOnceTheLockIsGoneWritesTheEditWithoutABox) {
     ASSERT_TRUE(lock.Locked());
     ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
     lock.Unlock();
+    EXPECT_TRUE(setup.Press(kApplyButtonId).empty());
+    EXPECT_FALSE(ApplyEnabled(setup.sheet->Sheet()));
+    EXPECT_NE(ReadFileBytes(setup.file).find("-u changed"), std::string::npos) << ReadFileBytes(setup.file);
+}
+
+TEST(SaveFailure, ApplyOnAFileMadeReadOnlySinceTheSheetOpenedShowsAccessDeniedAndKeepsTheFile) {
+    EditedSheet setup("save-read-only-apply");
+    ASSERT_TRUE(setup.OpenAndEdit());
+    ReadOnlyFile readOnly(setup.file);
+    ASSERT_TRUE(readOnly.Refused()) << kReadOnlyNotEnforced;
+    const std::vector<SeenBox> boxes = setup.Press(kApplyButtonId);
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_EQ(boxes[0].text, setup.ExpectedText(ERROR_ACCESS_DENIED));
+    EXPECT_FALSE(SheetClosed(setup.sheet->Sheet()));
+    EXPECT_TRUE(IsSameWindow(CurrentPage(setup.sheet->Sheet()), setup.page));
+    EXPECT_EQ(WindowText(PageControl(setup.page, dialog_ids::kLoginEdit)), "changed");
+    EXPECT_EQ(ReadFileBytes(setup.file), kLine);
+}
+
+TEST(SaveFailure, ApplyOnceTheFileIsWritableAgainWritesTheEditWithoutABox) {
+    EditedSheet setup("save-read-only-retry");
+    ASSERT_TRUE(setup.OpenAndEdit());
+    ReadOnlyFile readOnly(setup.file);
+    ASSERT_TRUE(readOnly.Refused()) << kReadOnlyNotEnforced;
+    ASSERT_EQ(setup.Press(kApplyButtonId).size(), 1u);
+    readOnly.Clear();
     EXPECT_TRUE(setup.Press(kApplyButtonId).empty());
     EXPECT_FALSE(ApplyEnabled(setup.sheet->Sheet()));
     EXPECT_NE(ReadFileBytes(setup.file).find("-u changed"), std::string::npos) << ReadFileBytes(setup.file);

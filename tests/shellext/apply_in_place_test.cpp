@@ -1,6 +1,6 @@
 // Apply writes the connection file in place: the create empties it, then one write fills it.
 // With that write failed (through the fault layer, on a copy of the built DLL), the user is
-// told, the file stays empty, and the next Apply writes it whole.
+// told, the old content is written back in place, and the next Apply writes the edits whole.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ std::uint64_t FirstWriteFile() {
 
 }  // namespace
 
-TEST(ApplyInPlace, AWriteThatFailsAfterTheCreateLeavesTheFileEmptyUntilTheNextApply) {
+TEST(ApplyInPlace, AWriteThatFailsAfterTheCreatePutsTheOldContentBackUntilTheNextApply) {
     const DllCopyFolder folder("apply-in-place");
     const std::string file = folder.File("connection.vqc");
     WriteFileBytes(file, kPropertiesLine);
@@ -54,7 +54,8 @@ TEST(ApplyInPlace, AWriteThatFailsAfterTheCreateLeavesTheFileEmptyUntilTheNextAp
         ASSERT_TRUE(faults::Fired());
         EXPECT_EQ(std::string(faults::FiredCall().function), "WriteFile");
         EXPECT_EQ(boxes.size(), 1u);
-        EXPECT_EQ(ReadFileBytes(file), "");
+        // The create emptied the file; what it held before is back.
+        EXPECT_EQ(ReadFileBytes(file), whole);
 
         // Once the fault is gone, Apply writes the whole file again.
         faults::ArmAt(0);
