@@ -35,7 +35,7 @@ std::string BuiltDllPath() {
     if (GetEnvironmentVariableA("VQC_BENCHMARK_DLL", configured, MAX_PATH) > 0) return configured;
     char program[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, program, MAX_PATH);
-    return FolderOf(program) + "\\..\\shellext\\vqcprop64.dll";
+    return FolderOf(program) + "\\..\\shellext\\" VQC_DLL_FILE_NAME;
 }
 
 IconImage LargestAcceptedImage() {

@@ -55,7 +55,7 @@ HWND WaitForOwnedBox(HWND sheet, DWORD milliseconds) {
         HWND box = nullptr;
         EnumThreadWindows(
             GetWindowThreadProcessId(sheet, nullptr),
-            [](HWND window, LPARAM found) -> BOOL {
+            [](HWND window, LPARAM found) CALLBACK -> BOOL {
                 char className[16] = {};
                 GetClassNameA(window, className, sizeof(className));
                 if (!IsWindowVisible(window) || std::string(className) != "#32770" || !GetWindow(window, GW_OWNER))

@@ -6,7 +6,7 @@
 # verb "properties". The sheet holds the shell's own General page, then Connection, Proxy
 # and Options.
 #   bash scripts/properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N]
-#                                       [--local-server] [--failed-save]
+#                                       [--local-server] [--failed-save] [--32]
 # With a DISPLAY the dialog is shown for you to use, and the script returns when you close
 # it (OK or Apply writes the file). With --screenshots, or without a DISPLAY (then on an
 # Xvfb display of its own), it writes one PNG per page (DIR/page1.png is the General page;
@@ -17,6 +17,9 @@
 #   --local-server        a "vserver.dll" beside the DLL, so "Connect locally" is offered
 #   --failed-save         with the pictures, also DIR/save-failed.png: OK pressed while the
 #                         file is held open elsewhere, and the box that tells the user
+#   --32                  the 32-bit road: vqcprop32.dll registered by the 32-bit regsvr32
+#                         and a 32-bit shell_properties.exe (build/windows-x86), in the same
+#                         64-bit prefix
 # Exit status: 0 done, 1 a step failed, 2 usage error (missing file, a directory, a path
 # without ".vqc", a bad option); nothing is built, registered or written on status 2.
 # Do not run it while scripts/test.sh runs in the same build folder: both use its prefix.
@@ -30,7 +33,7 @@ usage_error() {
   exit 2
 }
 
-file="" screenshots="" lang="" client_version="" local_server="" failed_save=""
+file="" screenshots="" lang="" client_version="" local_server="" failed_save="" bits=64
 while [ $# -gt 0 ]; do
   case "$1" in
     --screenshots) [ $# -ge 2 ] || usage_error "--screenshots needs a folder"; screenshots=$2; shift 2 ;;
@@ -39,11 +42,12 @@ while [ $# -gt 0 ]; do
       client_version=$2; shift 2 ;;
     --local-server) local_server=yes; shift ;;
     --failed-save) failed_save=yes; shift ;;
-    -*) usage_error "unknown option $1 (usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server] [--failed-save])" ;;
+    --32) bits=32; shift ;;
+    -*) usage_error "unknown option $1 (usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server] [--failed-save] [--32])" ;;
     *) [ -z "$file" ] || usage_error "one connection file only, got $file and $1"; file=$1; shift ;;
   esac
 done
-[ -n "$file" ] || usage_error "usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server] [--failed-save]"
+[ -n "$file" ] || usage_error "usage: properties.sh FILE.vqc [--screenshots DIR] [--lang xx_YY] [--client-version N] [--local-server] [--failed-save] [--32]"
 [ -e "$file" ] || usage_error "$file: no such file"
 [ ! -d "$file" ] || usage_error "$file: is a directory, not a connection file"
 case "${file,,}" in *.vqc) ;; *) usage_error "$file: not a connection file (the name must end in .vqc)" ;; esac
@@ -57,6 +61,7 @@ source "$ROOT/scripts/lib/project-prefix.sh"
 source "$ROOT/scripts/lib/association.sh"
 source "$ROOT/scripts/lib/build.sh"
 source "$ROOT/scripts/lib/shell-extension.sh"
+export VQC_SHELL_BITS=$bits
 
 install_missing_packages
 build_shell_extension
@@ -72,7 +77,8 @@ register_shell_extension "$extension"
 write_file_type_association
 link_cjk_fonts
 
-program=("$WINE_LOADER" "$BUILD_DIR/windows/devtools/shell_properties.exe" "$(windows_path "$file")")
+shell_program="$(shell_extension_tree)/devtools/shell_properties.exe"
+program=("$(wine_loader_for "$shell_program")" "$shell_program" "$(windows_path "$file")")
 [ -z "$screenshots" ] || program+=(--screenshots "$(windows_path "$screenshots")")
 [ -z "$screenshots" ] || [ -z "$failed_save" ] || program+=(--failed-save)
 # Through a file: the helpers Wine starts on demand keep the standard handles they inherit.

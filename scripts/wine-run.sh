@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Runs one Windows executable under 64-bit Wine in the given prefix.
-# Used as CMake's cross-compiling emulator: wine-run.sh PREFIX PROGRAM [ARGS...]
+# Runs one Windows executable under Wine in the given (64-bit) prefix: a 64-bit program
+# through the 64-bit loader, a 32-bit one through the 32-bit loader, as its PE header says.
+# Used as CMake's cross-compiling emulator of both Windows trees: wine-run.sh PREFIX PROGRAM [ARGS...]
 #
 # Every program but test discovery gets its output through a file that is streamed to our
 # own output while it runs: Wine hands a program's standard handles to every helper it
@@ -15,7 +16,8 @@ export WINEPREFIX="$1"
 shift
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}"
-WINE_LOADER="$(cd "$(dirname "$0")" && pwd)/lib/wine64"
+source "$(cd "$(dirname "$0")" && pwd)/lib/wine-loader.sh"
+WINE_LOADER=$(wine_loader_for "$1")
 
 gtest_case=""
 for argument in "$@"; do

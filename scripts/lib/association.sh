@@ -8,15 +8,27 @@ association_keys() {
   sed -n 's/^\[HKEY_CLASSES_ROOT\\\(.*\)\]\r\{0,1\}$/HKCR\\\1/p' "$VQC_ASSOCIATION_FILE"
 }
 
+# Windows shares these keys between the 64-bit and the 32-bit registry view; Wine 8 keeps
+# all of HKEY_CLASSES_ROOT but AppID apart per view. So for 32-bit programs (VQC_SHELL_BITS=32,
+# the road of properties.sh --32) the rows are written into the 32-bit view as well, with the
+# 32-bit regedit.
 write_file_type_association() {
-  "$WINE_LOADER" regedit /S "$(windows_path "$VQC_ASSOCIATION_FILE")" </dev/null >/dev/null 2>&1 || true
-  local key
-  while read -r key; do
-    if ! "$WINE_LOADER" reg query "$key" </dev/null >/dev/null 2>&1; then
-      echo "the file type association was not written: $key is missing" >&2
-      return 1
+  local views=(64) view key
+  [ "${VQC_SHELL_BITS:-64}" != 32 ] || views+=(32)
+  for view in "${views[@]}"; do
+    if [ "$view" = 32 ]; then
+      "$WINE32_LOADER" 'C:\windows\syswow64\regedit.exe' /S "$(windows_path "$VQC_ASSOCIATION_FILE")" \
+        </dev/null >/dev/null 2>&1 || true
+    else
+      "$WINE_LOADER" regedit /S "$(windows_path "$VQC_ASSOCIATION_FILE")" </dev/null >/dev/null 2>&1 || true
     fi
-  done < <(association_keys)
+    while read -r key; do
+      if ! "$WINE_LOADER" reg query "$key" /reg:$view </dev/null >/dev/null 2>&1; then
+        echo "the file type association was not written: $key is missing from the $view-bit view" >&2
+        return 1
+      fi
+    done < <(association_keys)
+  done
 }
 
 # Deletes the top-level keys of the table (".vqc" and "VCLIENT") with everything below them.

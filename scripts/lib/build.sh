@@ -1,6 +1,7 @@
-# The two builds of the tree: the Windows build (MinGW-w64, tests under Wine) and the native
-# build of the portable cores (clang with ASan, UBSan and the libFuzzer targets). Each is
-# configured by its preset in CMakePresets.json; the scripts only say where the tree goes.
+# The builds of the tree: the Windows builds (MinGW-w64, 64-bit and 32-bit, tests under Wine)
+# and the native build of the portable cores (clang with ASan, UBSan and the libFuzzer targets).
+# Each is configured by its preset in CMakePresets.json; the scripts only say where the tree
+# goes.
 
 # configure_tree PRESET TREE [-DNAME=VALUE...]: configures TREE with PRESET. TREE is the
 # preset's own folder (build/NAME) unless BUILD_DIR puts the builds elsewhere.
@@ -29,6 +30,13 @@ build_windows_x86_dll() {
   shift
   configure_tree windows-x86 "$tree" "$@"
   cmake --build "$tree" -j "$JOBS" --target vqcprop
+}
+
+# The whole 32-bit tree (build/windows-x86: vqcprop32.dll and the 32-bit programs and tests,
+# which run in the 64-bit tree's prefix).
+build_windows_x86() {
+  configure_tree windows-x86 "$BUILD_DIR/windows-x86"
+  cmake --build "$BUILD_DIR/windows-x86" -j "$JOBS"
 }
 
 # Xvfb, the prefix, the server and the helpers it starts on demand, all detached from our

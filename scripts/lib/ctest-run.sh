@@ -25,3 +25,11 @@ print_retried_timeouts() {
   echo "== timed out and run again (a second timeout fails the run) =="
   printf '%s\n' "$lines" | while read -r count name; do echo "  $name: timed out ${count}x"; done
 }
+
+# suite_summary NAME LOG: one line of what the suite in LOG counted and how long it took.
+suite_summary() {
+  local counts seconds
+  counts=$(grep -Eo '[0-9]+% tests passed, [0-9]+ tests? failed out of [0-9]+' "$2" | tail -n1)
+  seconds=$(sed -nE 's/^Total Test time \(real\) = +([0-9.]+) sec.*/\1/p' "$2" | tail -n1)
+  echo "$1: ${counts:-no result}${seconds:+, $seconds s}"
+}

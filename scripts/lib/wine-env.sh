@@ -1,8 +1,9 @@
 # Xvfb, the Wine prefix and a persistent wineserver for the Windows tests.
 # What is started here is stopped when the calling script exits (on_exit): the display that
 # start_test_display started, the server that start_wine_server started.
-# Every Windows program is started through our loader wrapper (lib/wine64): one address layout.
-WINE_LOADER="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/wine64"
+# Every Windows program is started through our loader wrappers (lib/wine64, and lib/wine32 for
+# 32-bit programs): one address layout.
+source "$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/wine-loader.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/on-exit.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/windows-path.sh"
 export WINEDEBUG=-all
@@ -35,26 +36,47 @@ start_test_display() {
   export DISPLAY=":$number"
 }
 
-# A private 64-bit prefix, created once and reused. Crashes must end the process (exit
-# code 5) instead of opening the debugger dialog, and top-level windows are unmanaged so
-# that DestroyWindow does not wait for a window manager.
+# A private 64-bit prefix, created once and reused; 32-bit programs run in it too. Crashes
+# must end the process (exit code 5) instead of opening the debugger dialog, in either
+# registry view (a 32-bit process reads the 32-bit one), and top-level windows are unmanaged
+# so that DestroyWindow does not wait for a window manager. The marker file names the
+# settings a prefix has; an older prefix gets the settings it lacks.
+VQC_PREFIX_SETTINGS="crash-ends-process-in-both-views"
 prepare_wine_prefix() {
   export WINEPREFIX="$1"
   export WINEARCH=win64
-  if [ ! -f "$WINEPREFIX/.vqc-ready" ]; then
+  local marker="$WINEPREFIX/.vqc-ready"
+  # A prefix made before 32-bit Wine was installed has no 32-bit system folder, and once
+  # 32-bit Wine is there it cannot start any program, 64-bit ones included ("could not load
+  # kernel32.dll", status 53): it is made anew.
+  if [ -f "$marker" ] && wine32_installed && [ ! -f "$WINEPREFIX/drive_c/windows/syswow64/kernel32.dll" ]; then
+    echo "the Wine prefix $WINEPREFIX predates 32-bit Wine: making it anew" >&2
+    wineserver -k >/dev/null 2>&1 || true
+    rm -f "$marker"
+  fi
+  if [ ! -f "$marker" ]; then
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX"
     "$WINE_LOADER" wineboot --init >/dev/null 2>&1
     wineserver -w
-    "$WINE_LOADER" reg add "HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\AeDebug" \
-      /v Debugger /d "" /f >/dev/null 2>&1
+  fi
+  if [ "$(cat "$marker" 2>/dev/null)" != "$VQC_PREFIX_SETTINGS" ]; then
+    local view others
+    # A server that serves other programs of the prefix (a persistent one) is not waited for.
+    others=$(wine_prefix_processes)
+    for view in 64 32; do
+      "$WINE_LOADER" reg add "HKLM\\Software\\Microsoft\\Windows NT\\CurrentVersion\\AeDebug" \
+        /v Debugger /d "" /f /reg:$view >/dev/null 2>&1
+    done
     "$WINE_LOADER" reg add "HKCU\\Software\\Wine\\WineDbg" /v ShowCrashDialog /t REG_DWORD \
       /d 0 /f >/dev/null 2>&1
     "$WINE_LOADER" reg add "HKCU\\Software\\Wine\\X11 Driver" /v Managed /d N /f >/dev/null 2>&1
-    wineserver -w
-    touch "$WINEPREFIX/.vqc-ready"
+    [ -n "$others" ] || wineserver -w
+    echo "$VQC_PREFIX_SETTINGS" >"$marker"
   fi
 }
+
+wine32_installed() { [ -x /usr/lib/wine/wine ]; }
 
 # The prefix's persistent server; stopped at exit with every program of the prefix, a server
 # that was already running included.

@@ -149,6 +149,11 @@ std::string SweepReport::Summary(const std::string& name) const {
 }
 
 SweepOptions OptionsFromEnvironment(SweepOptions options) {
+    if (const char* most = std::getenv("VQC_SWEEP_MAX_RUNS"); most && *most) {
+        char* end = nullptr;
+        const unsigned long runs = std::strtoul(most, &end, 10);
+        if (*end == '\0' && runs > 0) options.maxRuns = runs;
+    }
     const char* all = std::getenv("VQC_SWEEP_ALL");
     if (all && std::string(all) == "1") options.maxRuns = 0;
     return options;

@@ -58,7 +58,8 @@ struct SweepReport {
     std::string Summary(const std::string& name) const;
 };
 
-// The options a sweep runs with: VQC_SWEEP_ALL=1 in the environment runs every k.
+// The options a sweep runs with: VQC_SWEEP_MAX_RUNS=N in the environment samples at most N
+// runs (every call site's first call still runs), VQC_SWEEP_ALL=1 runs every k.
 SweepOptions OptionsFromEnvironment(SweepOptions options = {});
 
 SweepReport Sweep(const std::string& modulePath, const Scenario& scenario, const SweepOptions& options);

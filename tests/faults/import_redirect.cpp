@@ -18,10 +18,16 @@ const detail::WrappedFunction* FindWrapped(const char* name) {
     return nullptr;
 }
 
-bool Redirect(ULONGLONG* slot, void* wrapper) {
+// The module's own kind of image: a 32-bit module's headers and thunks are 32-bit, its
+// ordinal flag the top bit of a DWORD; the types without a suffix are this build's.
+using ImageHeaders = IMAGE_NT_HEADERS;
+using ImportThunk = IMAGE_THUNK_DATA;
+static_assert(sizeof(ImportThunk) == sizeof(void*), "one import slot holds one address");
+
+bool Redirect(ULONG_PTR* slot, void* wrapper) {
     DWORD previous = 0;
     if (!VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &previous)) return false;
-    *slot = reinterpret_cast<ULONGLONG>(wrapper);
+    *slot = reinterpret_cast<ULONG_PTR>(wrapper);
     VirtualProtect(slot, sizeof(*slot), previous, &previous);
     return true;
 }
@@ -31,7 +37,7 @@ bool Redirect(ULONGLONG* slot, void* wrapper) {
 std::size_t InstallInto(HMODULE module) {
     auto* base = reinterpret_cast<BYTE*>(module);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
+    const auto* headers = reinterpret_cast<const ImageHeaders*>(base + dos->e_lfanew);
     detail::SetModuleRange(reinterpret_cast<std::uintptr_t>(base), headers->OptionalHeader.SizeOfImage);
 
     const IMAGE_DATA_DIRECTORY& imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
@@ -40,10 +46,10 @@ std::size_t InstallInto(HMODULE module) {
     for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + imports.VirtualAddress); library->Name;
          ++library) {
         const DWORD namesAt = library->OriginalFirstThunk ? library->OriginalFirstThunk : library->FirstThunk;
-        auto* names = reinterpret_cast<IMAGE_THUNK_DATA64*>(base + namesAt);
-        auto* slots = reinterpret_cast<IMAGE_THUNK_DATA64*>(base + library->FirstThunk);
+        auto* names = reinterpret_cast<ImportThunk*>(base + namesAt);
+        auto* slots = reinterpret_cast<ImportThunk*>(base + library->FirstThunk);
         for (; names->u1.AddressOfData; ++names, ++slots) {
-            if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) continue;
+            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
             const auto* byName = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
             const detail::WrappedFunction* row = FindWrapped(reinterpret_cast<const char*>(byName->Name));
             if (!row) continue;

@@ -26,9 +26,9 @@ void AddRecentHost(const std::string& name) {
 class ModuleInFolder {
 public:
     explicit ModuleInFolder(const std::string& tag) : folder_(tag) {
-        copied_ = CopyFileA(page_test::ClientFixturePath("client_7").c_str(), folder_.File("vqcprop64.dll").c_str(),
+        copied_ = CopyFileA(page_test::ClientFixturePath("client_7").c_str(), folder_.File(VQC_DLL_FILE_NAME).c_str(),
                             FALSE) != FALSE;
-        module_.Reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
+        module_.Reset(LoadLibraryA(folder_.File(VQC_DLL_FILE_NAME).c_str()));
     }
     bool Ready() const { return copied_ && module_; }
     HMODULE Get() const { return module_.Get(); }

@@ -48,7 +48,7 @@ private:
 class ModuleStandIn final : public ModuleRuntime {
 public:
     ModuleStandIn(const std::string& tag, bool withVServer) : folder_(tag) {
-        const std::string copy = folder_.File("vqcprop64.dll");
+        const std::string copy = folder_.File(VQC_DLL_FILE_NAME);
         CopyFileA(ClientFixturePath("client_7").c_str(), copy.c_str(), FALSE);
         if (withVServer) WriteFileBytes(folder_.File("vserver.dll"), "");
         module_.Reset(LoadLibraryA(copy.c_str()));

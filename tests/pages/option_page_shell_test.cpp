@@ -69,7 +69,7 @@ TEST(OptionPageShell, WithoutAClientTheFileAdoptsTheDllsOwnIconAndApplyWritesIt)
         ShowPage(sheet.Sheet(), kOptionsPage);
         const HWND page = PageWindow(sheet.Sheet(), kOptionsPage);
         ASSERT_NE(page, nullptr);
-        EXPECT_EQ(Label(page), "Look for icons in: vqcprop64.dll");
+        EXPECT_EQ(Label(page), "Look for icons in: " VQC_DLL_FILE_NAME);
         EXPECT_EQ(SendMessageA(GetDlgItem(page, 1041), LB_GETCOUNT, 0, 0), 1);
         ExpectAdoptedFrom(page, extension.DllPath());
         EXPECT_EQ(ReadFileBytes(file), "-h server ");  // nothing written before Apply

@@ -10,7 +10,7 @@ namespace page_test {
 
 ExtensionCopy::ExtensionCopy(const std::string& tag, const std::string& clientFixture, bool withVServer,
                              const std::string& clientName)
-    : folder_(tag), dllPath_(folder_.File("vqcprop64.dll")) {
+    : folder_(tag), dllPath_(folder_.File(VQC_DLL_FILE_NAME)) {
     if (!clientFixture.empty()) CopyFileA(ClientFixturePath(clientFixture).c_str(), File(clientName).c_str(), FALSE);
     if (withVServer) WriteFileBytes(File("vserver.dll"), "stand-in");
     if (CopyFileA(BuiltDllPath().c_str(), dllPath_.c_str(), FALSE)) module_ = LoadLibraryA(dllPath_.c_str());

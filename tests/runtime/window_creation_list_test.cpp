@@ -85,7 +85,7 @@ TEST(WindowCreationList, ObjectsOfTwoRealThreadsStayApart) {
     } other{&list, {}};
     const HANDLE thread = CreateThread(
         nullptr, 0,
-        [](void* parameter) -> DWORD {
+        [](void* parameter) WINAPI -> DWORD {
             auto* o = static_cast<Other*>(parameter);
             o->takenBeforeAdding = o->list->Take();
             o->list->Add(o->entry, &o->object);

@@ -14,8 +14,8 @@ namespace {
 class ExtensionFolder {
 public:
     explicit ExtensionFolder(const std::string& tag) : folder_(tag) {
-        copied_ = CopyInto(BuiltDllPath(), folder_.File("vqcprop64.dll"));
-        module_.Reset(LoadLibraryA(folder_.File("vqcprop64.dll").c_str()));
+        copied_ = CopyInto(BuiltDllPath(), folder_.File(VQC_DLL_FILE_NAME));
+        module_.Reset(LoadLibraryA(folder_.File(VQC_DLL_FILE_NAME).c_str()));
     }
     ~ExtensionFolder() { module_.Reset(); }
 

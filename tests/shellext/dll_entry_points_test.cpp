@@ -24,7 +24,7 @@ using RegisterServer = HRESULT(STDAPICALLTYPE*)();
 // A copy of the DLL in a folder of its own, loaded and unloaded by the test.
 class LoadedDll {
 public:
-    explicit LoadedDll(const std::string& tag, const std::string& name = "vqcprop64.dll") : folder_(tag) {
+    explicit LoadedDll(const std::string& tag, const std::string& name = VQC_DLL_FILE_NAME) : folder_(tag) {
         path_ = folder_.File(name);
         if (CopyInto(BuiltDllPath(), path_)) module_ = LoadLibraryA(path_.c_str());
     }
@@ -205,7 +205,7 @@ TEST(DllRegistration, RenamedDllNamesItsAppIdKeyAfterItself) {
     ASSERT_EQ(dll.Export<RegisterServer>("DllRegisterServer")(), S_OK);
     EXPECT_EQ(ReadValue(root.Get(), "AppID\\renamed-extension.dll", "AppID").Text(),
               "{4B7D19E2-60A3-4F8C-A2D5-7C31E98B0F46}");
-    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\vqcprop64.dll"));
+    EXPECT_FALSE(KeyExists(root.Get(), "AppID\\" VQC_DLL_FILE_NAME));
     EXPECT_EQ(_stricmp(ReadValue(root.Get(), "CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32", nullptr)
                            .Text()
                            .c_str(),

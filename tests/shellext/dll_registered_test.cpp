@@ -45,7 +45,7 @@ protected:
     }
 
     TempFolder folder_{"registered"};
-    std::string dll_ = folder_.File("vqcprop64.dll");
+    std::string dll_ = folder_.File(VQC_DLL_FILE_NAME);
 };
 
 template <typename Interface>
@@ -87,7 +87,7 @@ TEST_F(RegisteredDll, Regsvr32WritesTheEntriesKeyByKey) {
     const StoredValue appName = ReadValue(HKEY_CLASSES_ROOT, "AppID\\" + kAppId, nullptr);
     EXPECT_EQ(appName.Text(), "vqcprop");
     EXPECT_EQ(appName.byteCount, 8u);
-    const StoredValue fileAppId = ReadValue(HKEY_CLASSES_ROOT, "AppID\\vqcprop64.dll", "AppID");
+    const StoredValue fileAppId = ReadValue(HKEY_CLASSES_ROOT, "AppID\\" VQC_DLL_FILE_NAME, "AppID");
     EXPECT_EQ(fileAppId.Text(), kAppId);
     EXPECT_EQ(fileAppId.byteCount, 39u);
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, "TypeLib\\" + kAppId));
@@ -100,7 +100,7 @@ TEST_F(RegisteredDll, Regsvr32UnregistersAndKeepsTheParentKeys) {
     ASSERT_EQ(RunRegsvr32("/u /s \"" + dll_ + "\""), 0u);
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, kClassKey));
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, "AppID\\" + kAppId));
-    EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, "AppID\\vqcprop64.dll"));
+    EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, "AppID\\" VQC_DLL_FILE_NAME));
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, ".vqc"));
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, "VCLIENT"));
     EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, "AppID"));

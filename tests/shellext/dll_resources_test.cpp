@@ -102,7 +102,7 @@ TEST(DllVersion, CarriesAUsEnglishVersionBlock) {
     void* text = nullptr;
     UINT length = 0;
     ASSERT_TRUE(VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\OriginalFilename", &text, &length));
-    EXPECT_STREQ(static_cast<const char*>(text), "vqcprop64.dll");
+    EXPECT_STREQ(static_cast<const char*>(text), VQC_DLL_FILE_NAME);
     ASSERT_TRUE(VerQueryValueA(buffer.data(), "\\StringFileInfo\\040904B0\\ProductVersion", &text, &length));
     EXPECT_STREQ(static_cast<const char*>(text), VQC_PRODUCT_VERSION);
 }

@@ -32,7 +32,7 @@ class ShellRegistration : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_EQ(RunProgram(SystemFolder() + "\\regsvr32.exe", "/s \"" + dll_ + "\""), 0u);
-        ASSERT_EQ(RunProgram(WindowsFolder() + "\\regedit.exe", "/S \"" VQC_ASSOCIATION_REG "\""), 0u);
+        ASSERT_EQ(RunProgram(RegistryEditor(), "/S \"" VQC_ASSOCIATION_REG "\""), 0u);
         ASSERT_EQ(DefaultValue(".vqc"), "VCLIENT");
         ASSERT_EQ(DefaultValue("CLSID\\{5e1d7c40-a3b2-11d0-8e6f-00a0c9b35d21}\\InProcServer32"), dll_);
     }

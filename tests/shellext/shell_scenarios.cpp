@@ -15,7 +15,7 @@ using namespace page_test;
 
 namespace shell_scenarios {
 
-DllCopyFolder::DllCopyFolder(const std::string& tag) : folder_(tag), dll_(folder_.File("vqcprop64.dll")) {
+DllCopyFolder::DllCopyFolder(const std::string& tag) : folder_(tag), dll_(folder_.File(VQC_DLL_FILE_NAME)) {
     test_support::CopyInto(test_support::BuiltDllPath(), dll_);
 }
 

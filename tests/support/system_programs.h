@@ -21,6 +21,17 @@ inline std::string WindowsFolder() {
     return folder;
 }
 
+// The registry editor of this program's own bitness, which writes the registry view this
+// program reads: C:\Windows\regedit.exe is the 64-bit one, a 32-bit program's is in the
+// 32-bit system folder (SysWOW64). Windows shares a file type's keys between the two views;
+// Wine 8 keeps all of HKEY_CLASSES_ROOT but AppID apart, so a test writes them in its own.
+inline std::string RegistryEditor() {
+    if (sizeof(void*) == 8) return WindowsFolder() + "\\regedit.exe";
+    char folder[MAX_PATH + 1] = {};
+    GetSystemWow64DirectoryA(folder, sizeof(folder));
+    return std::string(folder) + "\\regedit.exe";
+}
+
 // Runs a program with its arguments and answers its exit code; 0xFFFFFFFF when it could not
 // be started.
 inline DWORD RunProgram(const std::string& program, const std::string& arguments) {
