@@ -362,6 +362,6 @@ TEST(OwnedCriticalSection, KeepsAnotherThreadOutWhileEntered) {
 }
 
 TEST(OwnedCriticalSection, FailedInitialisationLeavesItUnusable) {
-    const OwnedCriticalSection section([](LPCRITICAL_SECTION, DWORD, DWORD) -> BOOL { return FALSE; });
+    const OwnedCriticalSection section([](LPCRITICAL_SECTION, DWORD, DWORD) WINAPI -> BOOL { return FALSE; });
     EXPECT_FALSE(section.Initialized());
 }
