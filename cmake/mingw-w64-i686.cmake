@@ -1,15 +1,4 @@
 # Cross-compiles for 32-bit Windows with Debian's MinGW-w64 (posix threads): the DLL's 32-bit
 # twin, loaded by 32-bit programs on 64-bit Windows.
-set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
-
-set(VQC_MINGW_TRIPLE i686-w64-mingw32)
-set(CMAKE_C_COMPILER   ${VQC_MINGW_TRIPLE}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${VQC_MINGW_TRIPLE}-g++-posix)
-set(CMAKE_RC_COMPILER  ${VQC_MINGW_TRIPLE}-windres)
-
-set(CMAKE_FIND_ROOT_PATH /usr/${VQC_MINGW_TRIPLE})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64.cmake)

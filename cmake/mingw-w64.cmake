@@ -1,0 +1,14 @@
+# What both MinGW-w64 toolchains share (Debian's compilers with posix threads); each
+# toolchain file sets CMAKE_SYSTEM_PROCESSOR, from which the compilers' triple follows.
+set(CMAKE_SYSTEM_NAME Windows)
+
+set(VQC_MINGW_TRIPLE ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
+set(CMAKE_C_COMPILER   ${VQC_MINGW_TRIPLE}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${VQC_MINGW_TRIPLE}-g++-posix)
+set(CMAKE_RC_COMPILER  ${VQC_MINGW_TRIPLE}-windres)
+
+set(CMAKE_FIND_ROOT_PATH /usr/${VQC_MINGW_TRIPLE})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
