@@ -17,6 +17,7 @@
 #include "tests/pages/file_dialog_driver.h"
 #include "tests/pages/option_page_test_support.h"
 #include "tests/window_assertions.h"
+#include "tests/support/system_structure_sizes.h"
 
 using namespace option_test;
 using page_test::TempFolder;
@@ -76,7 +77,7 @@ TEST_F(RecordedBrowse, DialogGetsTheSourceTheFlagsTheFilterAndThePageAsOwner) {
     OptionSheet sheet(record.Get());
     sheet.ClickButton(dialog_ids::kBrowseButton);
     ASSERT_EQ(recorded.calls, 1);
-    EXPECT_EQ(recorded.settings.lStructSize, 152u);
+    EXPECT_EQ(recorded.settings.lStructSize, system_sizes::kFullOpenFileName);
     EXPECT_EQ(recorded.settings.lStructSize, OpenFileDialog::StructureSize());
     EXPECT_EQ(recorded.settings.Flags, 0x881024u);
     EXPECT_TRUE(IsSameWindow(recorded.settings.hwndOwner, sheet.Window()));

@@ -19,6 +19,7 @@
 #include "tests/pages/page_test_support.h"
 #include "tests/row_names.h"
 #include "tests/window_assertions.h"
+#include "tests/support/system_structure_sizes.h"
 
 using namespace page_test;
 
@@ -117,7 +118,7 @@ TEST(PageDescription, IsFilledAsTheSheetExpectsIt) {
     ComPtr<VQCFileInfo> record(new VQCFileInfo("C:\\x.vqc"));
     auto* page = new CVQCConnectionPage(record.Get(), "Connection");
     const PROPSHEETPAGEA& d = page->Description();
-    EXPECT_EQ(d.dwSize, 104u);
+    EXPECT_EQ(d.dwSize, system_sizes::kFullPropertySheetPage);
     EXPECT_EQ(d.dwFlags, static_cast<DWORD>(PSP_DLGINDIRECT | PSP_USECALLBACK | PSP_USEREFPARENT | PSP_USETITLE));
     EXPECT_EQ(d.hInstance, TheModuleRuntime().Instance());
     EXPECT_EQ(d.pResource, page->TemplateForTesting());
@@ -128,7 +129,8 @@ TEST(PageDescription, IsFilledAsTheSheetExpectsIt) {
     EXPECT_EQ(d.pcRefParent, TheModuleRuntime().LockCountAddress());
     // The bytes after PROPSHEETPAGEA (the header bitmap) are zero.
     const auto* bytes = reinterpret_cast<const unsigned char*>(&d);
-    for (std::size_t i = sizeof(PROPSHEETPAGEA); i < 104; ++i) EXPECT_EQ(bytes[i], 0) << i;
+    for (std::size_t i = sizeof(PROPSHEETPAGEA); i < system_sizes::kFullPropertySheetPage; ++i)
+        EXPECT_EQ(bytes[i], 0) << i;
     delete page;
 }
 

@@ -11,6 +11,7 @@
 #include "tests/pages/page_test_support.h"
 #include "tests/shellext/shellext_test_support.h"
 #include "tests/window_assertions.h"
+#include "tests/support/system_structure_sizes.h"
 
 using namespace page_test;
 
@@ -104,7 +105,7 @@ TEST(InProcessSheet, EveryPageNamesTheModulesLockCountAsReferenceParent) {
     for (int i = 0; i < 3; ++i) {
         const PROPSHEETPAGEA& d = *descriptions[i];
         EXPECT_EQ(d.pcRefParent, TheModule().LockCountAddress()) << i;
-        EXPECT_EQ(d.dwSize, 104u) << i;
+        EXPECT_EQ(d.dwSize, system_sizes::kFullPropertySheetPage) << i;
         EXPECT_EQ(d.dwFlags, static_cast<DWORD>(PSP_DLGINDIRECT | PSP_USECALLBACK | PSP_USEREFPARENT | PSP_USETITLE))
             << i;
         EXPECT_STREQ(d.pszTitle, titles[i]);

@@ -11,6 +11,7 @@
 #include "resources/local_string_cache.h"
 #include "runtime/module_runtime.h"
 #include "tests/window_assertions.h"
+#include "tests/support/system_structure_sizes.h"
 
 namespace {
 
@@ -69,9 +70,9 @@ constexpr DWORD kAddedFlags = OFN_EXPLORER | OFN_ENABLEHOOK | OFN_ENABLESIZING;
 
 TEST(OpenFileDialogSize, FullStructureFromVersion490On) {
     // Every Windows that runs a 64-bit shell, and Wine, is past 4.90.
-    EXPECT_EQ(OpenFileDialog::StructureSize(), 152u);
-    EXPECT_EQ(sizeof(OPENFILENAMEA), 152u);
-    EXPECT_EQ(OPENFILENAME_SIZE_VERSION_400A, 136u);
+    EXPECT_EQ(OpenFileDialog::StructureSize(), system_sizes::kFullOpenFileName);
+    EXPECT_EQ(sizeof(OPENFILENAMEA), system_sizes::kFullOpenFileName);
+    EXPECT_EQ(OPENFILENAME_SIZE_VERSION_400A, system_sizes::kOpenFileNameVersion400);
 }
 
 TEST_F(RecordingDialog, HandsOverTheCallersFlagsPlusExplorerHookAndSizing) {
@@ -81,7 +82,7 @@ TEST_F(RecordingDialog, HandsOverTheCallersFlagsPlusExplorerHookAndSizing) {
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     ASSERT_EQ(recorded.calls, 1);
     const OPENFILENAMEA& s = recorded.settings;
-    EXPECT_EQ(s.lStructSize, 152u);
+    EXPECT_EQ(s.lStructSize, system_sizes::kFullOpenFileName);
     EXPECT_EQ(s.Flags, static_cast<DWORD>(0x1004 | kAddedFlags));
     EXPECT_EQ(s.Flags, 0x00881024u);
     EXPECT_TRUE(IsSameWindow(s.hwndOwner, owner.Get()));
