@@ -8,10 +8,12 @@ association_keys() {
   sed -n 's/^\[HKEY_CLASSES_ROOT\\\(.*\)\]\r\{0,1\}$/HKCR\\\1/p' "$VQC_ASSOCIATION_FILE"
 }
 
-# Windows shares these keys between the 64-bit and the 32-bit registry view; Wine 8 keeps
-# all of HKEY_CLASSES_ROOT but AppID apart per view. So for 32-bit programs (VQC_SHELL_BITS=32,
-# the road of properties.sh --32) the rows are written into the 32-bit view as well, with the
-# 32-bit regedit.
+# Windows shares these keys between the 64-bit and the 32-bit registry view. For 32-bit
+# programs (VQC_SHELL_BITS=32, the road of properties.sh --32) the rows are imported with the
+# 32-bit regedit as well, and each key is checked as a program of each bitness sees it, with
+# the reg.exe of that bitness: Wine's 64-bit `reg query /reg:32` looks into
+# Classes\Wow6432Node alone and misses the keys a 32-bit program is shown from the shared
+# place.
 write_file_type_association() {
   local views=(64) view key
   [ "${VQC_SHELL_BITS:-64}" != 32 ] || views+=(32)
@@ -22,8 +24,10 @@ write_file_type_association() {
     else
       "$WINE_LOADER" regedit /S "$(windows_path "$VQC_ASSOCIATION_FILE")" </dev/null >/dev/null 2>&1 || true
     fi
+    local query=("$WINE_LOADER" reg query)
+    [ "$view" != 32 ] || query=("$WINE32_LOADER" 'C:\windows\syswow64\reg.exe' query)
     while read -r key; do
-      if ! "$WINE_LOADER" reg query "$key" /reg:$view </dev/null >/dev/null 2>&1; then
+      if ! "${query[@]}" "$key" </dev/null >/dev/null 2>&1; then
         echo "the file type association was not written: $key is missing from the $view-bit view" >&2
         return 1
       fi
