@@ -13,21 +13,47 @@
 namespace faults {
 namespace {
 
+// The values one kind of object is drawn from. Objects of two spaces may share a value while
+// both live: Wine's USER handles carry a reuse count in their high word, so after a few
+// million icons an icon's handle can equal a live heap block's address. Within one space a
+// value names one object at a time.
+enum class ValueSpace { UserHandle, GdiHandle, KernelHandle, Address };
+
+// clang-format off
+constexpr ValueSpace kSpaceOfKind[kObjectKindCount] = {
+    ValueSpace::UserHandle,    // Icon
+    ValueSpace::GdiHandle,     // Bitmap
+    ValueSpace::GdiHandle,     // DeviceContext
+    ValueSpace::KernelHandle,  // File
+    ValueSpace::KernelHandle,  // Mapping
+    ValueSpace::Address,       // View
+    ValueSpace::KernelHandle,  // RegistryKey
+    ValueSpace::Address,       // HeapBlock
+    ValueSpace::Address,       // LocalBlock
+};
+// clang-format on
+
+// An object in the books: its space and its value.
+using BookKey = std::pair<ValueSpace, const void*>;
+
+BookKey KeyOf(ObjectKind kind, const void* object) { return {kSpaceOfKind[static_cast<std::size_t>(kind)], object}; }
+
 struct LayerState {
     std::mutex lock;
     std::uintptr_t moduleBase = 0;
     std::size_t moduleSize = 0;
     std::uint64_t calls = 0;
     std::uint64_t armedAt = 0;
-    const char* standing = nullptr;  // the function whose first call of a run fails
-    bool standingFailed = false;
+    const char* standing = nullptr;  // the function whose first calls of a run fail
+    unsigned standingCalls = 0;      // how many of them
+    unsigned standingFailed = 0;     // of them in this run
     bool fired = false;
     CallSite firedCall;
     bool tracing = false;
     int paused = 0;
     std::vector<CallSite> trace;
-    std::map<const void*, ObjectKind> live;
-    std::map<const void*, CallSite> madeAt;
+    std::map<BookKey, ObjectKind> live;
+    std::map<BookKey, CallSite> madeAt;
     Balance made{};
     bool rememberDestroyed = true;
     std::set<std::pair<const void*, ObjectKind>> destroyed;
@@ -99,7 +125,7 @@ Balance LiveObjects() {
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
     Balance live{};
-    for (const auto& [object, kind] : state.live) ++live[static_cast<std::size_t>(kind)];
+    for (const auto& [key, kind] : state.live) ++live[static_cast<std::size_t>(kind)];
     return live;
 }
 
@@ -130,8 +156,8 @@ std::vector<LiveObject> LiveObjectList() {
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
     std::vector<LiveObject> objects;
-    for (const auto& [object, kind] : state.live) {
-        const auto made = state.madeAt.find(object);
+    for (const auto& [key, kind] : state.live) {
+        const auto made = state.madeAt.find(key);
         objects.push_back({kind, made == state.madeAt.end() ? CallSite{KindName(kind), {}} : made->second});
     }
     return objects;
@@ -146,13 +172,13 @@ std::vector<std::string> BookProblems() {
 void HandedOut(ObjectKind kind, const void* object) {
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
-    const auto found = state.live.find(object);
+    const auto found = state.live.find(KeyOf(kind, object));
     if (found == state.live.end() || found->second != kind) {
         state.problems.push_back(std::string("handed out a ") + KindName(kind) +
                                  " the books do not hold: " + Hex(reinterpret_cast<std::uintptr_t>(object)));
         return;
     }
-    state.madeAt.erase(object);
+    state.madeAt.erase(found->first);
     state.live.erase(found);
 }
 
@@ -187,15 +213,18 @@ void BeginCounting(std::uint64_t armAt, bool trace) {
     state.armedAt = armAt;
     state.fired = false;
     state.firedCall = CallSite{};
-    state.standingFailed = false;
+    state.standingFailed = 0;
 }
 
-void FailFirstCallOf(const char* function) {
+void FailFirstCallsOf(const char* function, unsigned calls) {
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
     state.standing = function;
-    state.standingFailed = false;
+    state.standingCalls = calls;
+    state.standingFailed = 0;
 }
+
+void FailFirstCallOf(const char* function) { FailFirstCallsOf(function, 1); }
 
 void ArmAt(std::uint64_t k) {
     LayerState& state = State();
@@ -288,8 +317,8 @@ bool ShouldFail(const char* function, const void* returnAddress) {
     const std::lock_guard<std::mutex> guard(state.lock);
     if (state.paused > 0) return false;
     // Not counted: a k names the same call in every run, the counting run's included.
-    if (state.standing && !state.standingFailed && std::strcmp(function, state.standing) == 0) {
-        state.standingFailed = true;
+    if (state.standing && state.standingFailed < state.standingCalls && std::strcmp(function, state.standing) == 0) {
+        ++state.standingFailed;
         return true;
     }
     CallSite site{function, {}};
@@ -308,9 +337,10 @@ void Created(ObjectKind kind, const void* object) {
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
     state.destroyed.erase({object, kind});
-    state.madeAt[object] = CallSite{KindName(kind), ModulePath(state, 1)};
+    const BookKey key = KeyOf(kind, object);
+    state.madeAt[key] = CallSite{KindName(kind), ModulePath(state, 1)};
     ++state.made[static_cast<std::size_t>(kind)];
-    const auto [where, fresh] = state.live.emplace(object, kind);
+    const auto [where, fresh] = state.live.emplace(key, kind);
     if (!fresh) {
         state.problems.push_back(std::string("the system handed out a live ") + KindName(where->second) +
                                  " again as a " + KindName(kind) + ": " +
@@ -330,7 +360,8 @@ void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object) {
     if (!object) return;
     LayerState& state = State();
     const std::lock_guard<std::mutex> guard(state.lock);
-    const auto found = state.live.find(object);
+    // The kinds one call destroys share a space.
+    const auto found = state.live.find(KeyOf(*kinds.begin(), object));
     if (found == state.live.end()) {
         for (const ObjectKind kind : kinds) {
             if (state.destroyed.count({object, kind}))
@@ -344,7 +375,7 @@ void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object) {
                                  " destroyed as another kind: " + Hex(reinterpret_cast<std::uintptr_t>(object)));
     }
     if (state.rememberDestroyed) state.destroyed.insert({object, found->second});
-    state.madeAt.erase(object);
+    state.madeAt.erase(found->first);
     state.live.erase(found);
 }
 

@@ -93,6 +93,9 @@ void ArmAt(std::uint64_t k);
 // fails too, without being counted: a standing fault under which the armed one sweeps the
 // road that only a failure opens. Null ends it.
 void FailFirstCallOf(const char* function);
+// The same for the first `calls` calls of `function` in a row: a system that refuses
+// several times before it gives in.
+void FailFirstCallsOf(const char* function, unsigned calls);
 
 // While one lives, the module's calls are neither counted nor failed (a scenario's own
 // set-up through the module); the books go on.

@@ -14,6 +14,7 @@ bool ShouldFail(const char* function, const void* returnAddress);
 void Created(ObjectKind kind, const void* object);
 // An object the module destroys: of one of `kinds` when the books know it; objects the
 // books never saw made (before the layer came, or made by someone else) are not counted.
+// The kinds of one call draw their values from one space (CloseHandle's File and Mapping).
 void Destroyed(std::initializer_list<ObjectKind> kinds, const void* object);
 
 // A handle value the system handed the module by a road the books do not keep (an event, a

@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <cstdint>
 #include <string>
 
 #include "tests/faults/fault_layer.h"
+#include "tests/faults/fault_layer_state.h"
 #include "tests/faults/fault_sweep.h"
 #include "tests/support/file_bytes.h"
 #include "tests/support/temp_folder.h"
@@ -158,6 +160,28 @@ TEST(FaultLayer, AStandingFaultFailsTheFirstCallOfItsFunctionInEachCountUncounte
     close(file);
 }
 
+TEST(FaultLayer, AStandingFaultOfSeveralCallsFailsThatManyInARowThenLetsThemThrough) {
+    const ProbeCopy probe("fault-standing-run");
+    const LoadedProbe module(probe.Path());
+    ASSERT_NE(module.Get(), nullptr);
+    faults::InstallInto(module.Get());
+    const auto open = Export<OpenFunction>(module.Get(), "ProbeOpen");
+    const auto close = Export<CloseFunction>(module.Get(), "ProbeClose");
+    faults::BeginCounting(0, false);
+    faults::FailFirstCallsOf("CreateFileA", 3);
+    for (int call = 0; call < 3; ++call) {
+        DWORD error = 0;
+        EXPECT_EQ(open(probe.DataFile().c_str(), &error), INVALID_HANDLE_VALUE) << "call " << call;
+        EXPECT_EQ(error, static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    }
+    DWORD error = 0;
+    const HANDLE fourth = open(probe.DataFile().c_str(), &error);
+    EXPECT_NE(fourth, INVALID_HANDLE_VALUE);
+    close(fourth);
+    EXPECT_EQ(faults::CallCount(), 1u);
+    faults::FailFirstCallOf(nullptr);
+}
+
 TEST(FaultLayer, BooksCountWhatTheModuleOpensUntilItClosesIt) {
     const ProbeCopy probe("fault-books");
     const LoadedProbe module(probe.Path());
@@ -185,6 +209,41 @@ TEST(FaultLayer, BooksSeeAHandleClosedTwice) {
     close(file);
     ASSERT_EQ(faults::BookProblems().size(), 1u);
     EXPECT_EQ(faults::BookProblems()[0].rfind("File destroyed twice", 0), 0u) << faults::BookProblems()[0];
+}
+
+// An icon handle Wine handed out in an hour of icons on eight threads (reuse count 0x50a in
+// its high word), at the address of a heap block alive at the time.
+const void* const kIconHandleAtAHeapAddress = reinterpret_cast<const void*>(std::uintptr_t{0x50a04e0});
+
+TEST(FaultLayer, BooksKeepAnIconAndAHeapBlockOfOneValueApart) {
+    const ProbeCopy probe("fault-spaces");
+    const LoadedProbe module(probe.Path());
+    ASSERT_NE(module.Get(), nullptr);
+    faults::InstallInto(module.Get());
+    faults::detail::Created(faults::ObjectKind::HeapBlock, kIconHandleAtAHeapAddress);
+    faults::detail::Created(faults::ObjectKind::Icon, kIconHandleAtAHeapAddress);
+    EXPECT_EQ(faults::DescribeLive(faults::LiveObjects()), "Icon 1, HeapBlock 1");
+
+    faults::HandedOut(faults::ObjectKind::Icon, kIconHandleAtAHeapAddress);
+    EXPECT_EQ(faults::DescribeLive(faults::LiveObjects()), "HeapBlock 1");
+    faults::detail::Destroyed({faults::ObjectKind::HeapBlock}, kIconHandleAtAHeapAddress);
+    EXPECT_EQ(faults::DescribeLive(faults::LiveObjects()), "");
+    EXPECT_TRUE(faults::BookProblems().empty()) << faults::BookProblems()[0];
+}
+
+TEST(FaultLayer, BooksSeeALiveKernelHandleHandedOutAgainAsAnotherKind) {
+    const ProbeCopy probe("fault-reissue");
+    const LoadedProbe module(probe.Path());
+    ASSERT_NE(module.Get(), nullptr);
+    faults::InstallInto(module.Get());
+    const void* const handle = reinterpret_cast<const void*>(std::uintptr_t{0x1a4});
+    faults::detail::Created(faults::ObjectKind::File, handle);
+    faults::detail::Created(faults::ObjectKind::RegistryKey, handle);
+    ASSERT_EQ(faults::BookProblems().size(), 1u);
+    EXPECT_EQ(faults::BookProblems()[0], "the system handed out a live File again as a RegistryKey: 0x1a4");
+    EXPECT_EQ(faults::DescribeLive(faults::LiveObjects()), "RegistryKey 1");
+    faults::detail::Destroyed({faults::ObjectKind::RegistryKey}, handle);
+    EXPECT_EQ(faults::DescribeLive(faults::LiveObjects()), "");
 }
 
 TEST(FaultLayer, FileOpensCountTheModulesCreateFileOfThatFileHoweverSpelt) {
