@@ -17,6 +17,7 @@
 #include "resources/dialog_ids.h"
 #include "tests/faults/fault_layer.h"
 #include "tests/pages/page_test_support.h"
+#include "tests/shellext/icon_cycle.h"
 #include "tests/shellext/shellext_test_support.h"
 
 using namespace page_test;
@@ -42,44 +43,16 @@ protected:
         WriteFileBytes(file_, test_support::ConnectionLineWithIcon({32, 16}));
     }
 
-    // What the shell does for the file in a folder view: object, Load, the icon's location,
-    // Extract. Every handed-out icon is destroyed.
-    struct IconAnswer {
-        HRESULT load = E_FAIL;
-        HRESULT location = E_FAIL;
-        std::string file;
-        int index = -1;
-        UINT flags = 0;
-        HRESULT extract = E_FAIL;
-        bool handedOut = false;
-    };
-    IconAnswer AskForTheIcon() {
-        IconAnswer answer;
+    // What the shell asks of a new object for the file in a folder view.
+    icon_cycle::IconAnswer AskForTheIcon() {
         const ComApartment apartment;
         ComPtr<IClassFactory> factory;
         EXPECT_EQ(extension_.GetClassObject()(kVQCPropClassId, IID_IClassFactory, factory.PutVoid()), S_OK);
-        if (!factory) return answer;
+        if (!factory) return {};
         ComPtr<IPersistFile> persist;
         EXPECT_EQ(factory->CreateInstance(nullptr, IID_IPersistFile, persist.PutVoid()), S_OK);
-        if (!persist) return answer;
-        answer.load = persist->Load(test_support::Wide(file_).c_str(), STGM_READ);
-        ComPtr<IExtractIconA> extract;
-        EXPECT_EQ(persist->QueryInterface(IID_IExtractIconA, extract.PutVoid()), S_OK);
-        if (!extract) return answer;
-        char location[MAX_PATH + 1] = "unwritten";
-        answer.location =
-            extract->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &answer.index, &answer.flags);
-        answer.file = location;
-        HICON large = nullptr;
-        HICON small = nullptr;
-        answer.extract = extract->Extract(location, static_cast<UINT>(answer.index), &large, &small, MAKELONG(32, 16));
-        for (HICON icon : {large, small}) {
-            if (!icon) continue;
-            answer.handedOut = true;
-            faults::HandedOut(faults::ObjectKind::Icon, icon);
-            DestroyIcon(icon);
-        }
-        return answer;
+        if (!persist) return {};
+        return icon_cycle::AskForTheIcon(persist.Get(), test_support::Wide(file_));
     }
 
     ExtensionCopy extension_{"cloud-file"};
@@ -104,19 +77,20 @@ class CloudFile : public CloudFileTest, public ::testing::WithParamInterface<Clo
 // Without a cloud bit the counting sees the icon handler's open, and the file's own icon is
 // answered: the tests below mean something.
 TEST_F(CloudFileTest, FileOnTheDiskIsOpenedAndAnswersItsOwnIcon) {
-    const IconAnswer answer = AskForTheIcon();
+    const icon_cycle::IconAnswer answer = AskForTheIcon();
     EXPECT_EQ(answer.load, S_OK);
     EXPECT_GE(faults::FileOpens(file_), 1u);
     EXPECT_EQ(answer.location, S_OK);
     EXPECT_EQ(answer.file, file_);
     EXPECT_EQ(answer.flags, 26u);
     EXPECT_EQ(answer.extract, S_OK);
-    EXPECT_TRUE(answer.handedOut);
+    EXPECT_TRUE(answer.large);
+    EXPECT_TRUE(answer.small);
 }
 
 TEST_P(CloudFile, IconHandlerLeavesTheFileUnopenedAndAnswersTheDllsIcon) {
     faults::AddAttributes(file_, GetParam().bit);
-    const IconAnswer answer = AskForTheIcon();
+    const icon_cycle::IconAnswer answer = AskForTheIcon();
     EXPECT_EQ(answer.load, S_OK);
     EXPECT_EQ(faults::FileOpens(file_), 0u);
     EXPECT_EQ(answer.location, S_OK);
@@ -124,7 +98,8 @@ TEST_P(CloudFile, IconHandlerLeavesTheFileUnopenedAndAnswersTheDllsIcon) {
     EXPECT_EQ(answer.index, 0);
     EXPECT_EQ(answer.flags, static_cast<UINT>(GIL_PERINSTANCE));
     EXPECT_EQ(answer.extract, S_FALSE);
-    EXPECT_FALSE(answer.handedOut);
+    EXPECT_FALSE(answer.large);
+    EXPECT_FALSE(answer.small);
 }
 
 TEST_P(CloudFile, PropertiesStillReadTheFileAndShowItsValues) {

@@ -13,8 +13,8 @@
 #include <thread>
 
 #include "common/com_ptr.h"
-#include "tests/connection/icon_pixels.h"
 #include "tests/pages/page_test_support.h"
+#include "tests/shellext/icon_cycle.h"
 #include "tests/shellext/shell_scenarios.h"
 #include "tests/shellext/shellext_test_support.h"
 
@@ -68,31 +68,14 @@ std::vector<StressFile> MakeIconFiles(const std::string& folder) {
     return files;
 }
 
-// What one icon cycle answered, everything a shell sees.
+// What one icon cycle answered: the object made through COM, then the shell's questions.
 struct CycleAnswer {
     HRESULT create = E_FAIL;
-    HRESULT load = E_FAIL;
-    HRESULT location = E_FAIL;
-    std::string file;
-    int index = -1;
-    UINT flags = 0;
-    bool extracted = false;
-    HRESULT extract = E_FAIL;
-    bool large = false;
-    bool small = false;
-    Pixels largePixels;
-    Pixels smallPixels;
+    icon_cycle::IconAnswer icon;
 };
 
-bool SamePixels(const Pixels& a, const Pixels& b) {
-    return a.size.cx == b.size.cx && a.size.cy == b.size.cy && a.colour == b.colour && a.mask == b.mask;
-}
-
 bool Same(const CycleAnswer& a, const CycleAnswer& b) {
-    return a.create == b.create && a.load == b.load && a.location == b.location && a.file == b.file &&
-           a.index == b.index && a.flags == b.flags && a.extracted == b.extracted && a.extract == b.extract &&
-           a.large == b.large && a.small == b.small && SamePixels(a.largePixels, b.largePixels) &&
-           SamePixels(a.smallPixels, b.smallPixels);
+    return a.create == b.create && icon_cycle::SameAnswer(a.icon, b.icon);
 }
 
 std::string Hex(HRESULT result) {
@@ -102,52 +85,17 @@ std::string Hex(HRESULT result) {
 }
 
 std::string Describe(const CycleAnswer& a) {
-    std::string text = "create " + Hex(a.create) + ", load " + Hex(a.load) + ", location " + Hex(a.location) + " '" +
-                       a.file + "' index " + std::to_string(a.index) + " flags " + std::to_string(a.flags);
-    if (!a.extracted) return text + ", no Extract";
-    text += ", extract " + Hex(a.extract);
-    if (a.large)
-        text += ", large " + std::to_string(a.largePixels.size.cx) + "x" + std::to_string(a.largePixels.size.cy);
-    if (a.small)
-        text += ", small " + std::to_string(a.smallPixels.size.cx) + "x" + std::to_string(a.smallPixels.size.cy);
-    return text;
+    return "create " + Hex(a.create) + (a.create == S_OK ? ", " + icon_cycle::Describe(a.icon) : "");
 }
 
 // The shell's cycle for one file of a folder view, through COM on this thread's apartment:
-// object, Load, the icon's location, Extract when the location is no file, release. The
-// icons handed out are the shell's: their pixels are kept and they are destroyed.
+// object, Load, the icon's location, Extract, release.
 CycleAnswer IconCycle(const std::wstring& file) {
     CycleAnswer answer;
     ComPtr<IPersistFile> persist;
     answer.create =
         CoCreateInstance(kVQCPropClassId, nullptr, CLSCTX_INPROC_SERVER, IID_IPersistFile, persist.PutVoid());
-    if (!persist) return answer;
-    answer.load = persist->Load(file.c_str(), STGM_READ);
-    ComPtr<IExtractIconA> extract;
-    persist->QueryInterface(IID_IExtractIconA, extract.PutVoid());
-    if (!extract) return answer;
-    char location[MAX_PATH + 1] = "unwritten";
-    answer.location = extract->GetIconLocation(GIL_FORSHELL, location, sizeof(location), &answer.index, &answer.flags);
-    answer.file = location;
-    if (!(answer.flags & GIL_NOTFILENAME)) return answer;  // the shell takes the icon from the file named
-
-    HICON large = nullptr;
-    HICON small = nullptr;
-    answer.extracted = true;
-    answer.extract = extract->Extract(location, static_cast<UINT>(answer.index), &large, &small, MAKELONG(32, 16));
-    if (large) {
-        answer.large = true;
-        answer.largePixels = PixelsOf(large);
-    }
-    if (small) {
-        answer.small = true;
-        answer.smallPixels = PixelsOf(small);
-    }
-    for (HICON icon : {large, small}) {
-        if (!icon) continue;
-        faults::HandedOut(faults::ObjectKind::Icon, icon);
-        DestroyIcon(icon);
-    }
+    if (persist) answer.icon = icon_cycle::AskForTheIcon(persist.Get(), file);
     return answer;
 }
 

@@ -1,0 +1,37 @@
+// The shell's questions for one file of a folder view, asked of an icon handler object: Load,
+// the icon's location, then Extract (the shell draws the location itself when Extract answers
+// S_FALSE). What every question answered is kept, with the pixels of each icon handed out.
+#pragma once
+
+#include <windows.h>
+#include <objidl.h>
+
+#include <string>
+
+#include "tests/connection/icon_pixels.h"
+
+namespace icon_cycle {
+
+struct IconAnswer {
+    HRESULT load = E_FAIL;
+    HRESULT location = E_FAIL;
+    std::string file;
+    int index = -1;
+    UINT flags = 0;
+    HRESULT extract = E_FAIL;
+    bool large = false;
+    bool small = false;
+    Pixels largePixels;
+    Pixels smallPixels;
+};
+
+// Asks `object` (no file loaded yet) about `file`. The icons handed out are the shell's: they
+// leave the fault layer's books and are destroyed.
+IconAnswer AskForTheIcon(IPersistFile* object, const std::wstring& file);
+
+bool SameAnswer(const IconAnswer& a, const IconAnswer& b);
+
+// "load 0x0, location 0x0 'C:\...\a.vqc' index 0 flags 26, extract 0x0, large 32x32, small 16x16"
+std::string Describe(const IconAnswer& answer);
+
+}  // namespace icon_cycle
