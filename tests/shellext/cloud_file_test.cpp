@@ -3,15 +3,17 @@
 // bits itself): the icon handler leaves such a file unopened and answers the DLL's own icon,
 // as for a file without one; the file's Properties still read it and show its values.
 #include <windows.h>
-#include <objbase.h>
 #include <shlobj.h>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
 #include <ostream>
 #include <string>
+#include <vector>
 
-#include "common/com_ptr.h"
 #include "connection/cloud_placeholder.h"
 #include "connection/vqc_file_info.h"
 #include "resources/dialog_ids.h"
@@ -45,14 +47,7 @@ protected:
 
     // What the shell asks of a new object for the file in a folder view.
     icon_cycle::IconAnswer AskForTheIcon() {
-        const ComApartment apartment;
-        ComPtr<IClassFactory> factory;
-        EXPECT_EQ(extension_.GetClassObject()(kVQCPropClassId, IID_IClassFactory, factory.PutVoid()), S_OK);
-        if (!factory) return {};
-        ComPtr<IPersistFile> persist;
-        EXPECT_EQ(factory->CreateInstance(nullptr, IID_IPersistFile, persist.PutVoid()), S_OK);
-        if (!persist) return {};
-        return icon_cycle::AskForTheIcon(persist.Get(), test_support::Wide(file_));
+        return icon_cycle::AskANewObject(extension_.GetClassObject(), kVQCPropClassId, test_support::Wide(file_));
     }
 
     ExtensionCopy extension_{"cloud-file"};
@@ -100,6 +95,50 @@ TEST_P(CloudFile, IconHandlerLeavesTheFileUnopenedAndAnswersTheDllsIcon) {
     EXPECT_EQ(answer.extract, S_FALSE);
     EXPECT_FALSE(answer.large);
     EXPECT_FALSE(answer.small);
+}
+
+// A OneDrive folder of 500 connection files not on the disk, drawn by Explorer: no file is
+// opened (none is downloaded). The same folder once the files are on the disk opens each.
+TEST_F(CloudFileTest, AFolderOfFiveHundredPlaceholdersIsDrawnWithoutOpeningOne) {
+    constexpr int kFiles = 500;
+    std::vector<std::string> files;
+    for (int i = 0; i < kFiles; ++i) {
+        files.push_back(extension_.File("connection " + std::to_string(i) + ".vqc"));
+        WriteFileBytes(files.back(), test_support::ConnectionLineWithIcon({32, 16}));
+    }
+    struct Drawn {
+        std::uint64_t opens = 0;
+        int ownIcons = 0;
+        int dllIcons = 0;
+        double seconds = 0;
+    };
+    const auto drawFolder = [&] {
+        Drawn drawn;
+        const auto start = std::chrono::steady_clock::now();
+        for (const std::string& file : files) {
+            const icon_cycle::IconAnswer answer =
+                icon_cycle::AskANewObject(extension_.GetClassObject(), kVQCPropClassId, test_support::Wide(file));
+            drawn.ownIcons += answer.flags == 26u && answer.extract == S_OK && answer.large && answer.small;
+            drawn.dllIcons += answer.flags == static_cast<UINT>(GIL_PERINSTANCE) && answer.extract == S_FALSE &&
+                              !answer.large && !answer.small;
+        }
+        drawn.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        for (const std::string& file : files) drawn.opens += faults::FileOpens(file);
+        return drawn;
+    };
+
+    for (const std::string& file : files) faults::AddAttributes(file, cloud_placeholder::kRecallOnDataAccess);
+    const Drawn inTheCloud = drawFolder();
+    EXPECT_EQ(inTheCloud.opens, 0u);
+    EXPECT_EQ(inTheCloud.dllIcons, kFiles);
+
+    for (const std::string& file : files) faults::AddAttributes(file, 0);
+    const Drawn onTheDisk = drawFolder();
+    EXPECT_GE(onTheDisk.opens, static_cast<std::uint64_t>(kFiles));
+    EXPECT_EQ(onTheDisk.ownIcons, kFiles);
+    std::printf("%d files not on the disk: %llu opened, %.2f s; on the disk: %llu opens, %.2f s\n", kFiles,
+                static_cast<unsigned long long>(inTheCloud.opens), inTheCloud.seconds,
+                static_cast<unsigned long long>(onTheDisk.opens), onTheDisk.seconds);
 }
 
 TEST_P(CloudFile, PropertiesStillReadTheFileAndShowItsValues) {

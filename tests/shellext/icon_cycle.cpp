@@ -1,5 +1,6 @@
 #include "tests/shellext/icon_cycle.h"
 
+#include <objbase.h>
 #include <shlobj.h>
 
 #include <cstdio>
@@ -53,6 +54,16 @@ IconAnswer AskForTheIcon(IPersistFile* object, const std::wstring& file) {
         DestroyIcon(icon);
     }
     return answer;
+}
+
+IconAnswer AskANewObject(page_test::GetClassObjectFunction getClassObject, REFCLSID classId, const std::wstring& file) {
+    // The object and the factory go before the apartment does.
+    const page_test::ComApartment apartment;
+    ComPtr<IClassFactory> factory;
+    if (getClassObject(classId, IID_IClassFactory, factory.PutVoid()) != S_OK || !factory) return {};
+    ComPtr<IPersistFile> persist;
+    if (factory->CreateInstance(nullptr, IID_IPersistFile, persist.PutVoid()) != S_OK || !persist) return {};
+    return AskForTheIcon(persist.Get(), file);
 }
 
 bool SameAnswer(const IconAnswer& a, const IconAnswer& b) {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/connection/icon_pixels.h"
+#include "tests/pages/page_test_support.h"
 
 namespace icon_cycle {
 
@@ -28,6 +29,11 @@ struct IconAnswer {
 // Asks `object` (no file loaded yet) about `file`. The icons handed out are the shell's: they
 // leave the fault layer's books and are destroyed.
 IconAnswer AskForTheIcon(IPersistFile* object, const std::wstring& file);
+
+// Asks a new object of the class `classId`, made by the DLL's class factory in an apartment of
+// this thread's own, about `file`, as the shell asks for each file of a folder view; the answer
+// is all E_FAIL when the factory or the object cannot be had.
+IconAnswer AskANewObject(page_test::GetClassObjectFunction getClassObject, REFCLSID classId, const std::wstring& file);
 
 bool SameAnswer(const IconAnswer& a, const IconAnswer& b);
 

@@ -2,14 +2,12 @@
 // another thread of the process makes windows: the icon handler offers each image again until
 // it is made, eight times at most, and only then answers as for an icon the system cannot make.
 #include <windows.h>
-#include <objbase.h>
 #include <shlobj.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "common/com_ptr.h"
 #include "tests/faults/fault_layer.h"
 #include "tests/pages/page_test_support.h"
 #include "tests/shellext/icon_cycle.h"
@@ -38,14 +36,7 @@ protected:
     void TearDown() override { faults::FailFirstCallsOf(nullptr, 0); }
 
     icon_cycle::IconAnswer AskForTheIcon() {
-        const ComApartment apartment;
-        ComPtr<IClassFactory> factory;
-        EXPECT_EQ(extension_.GetClassObject()(kVQCPropClassId, IID_IClassFactory, factory.PutVoid()), S_OK);
-        if (!factory) return {};
-        ComPtr<IPersistFile> persist;
-        EXPECT_EQ(factory->CreateInstance(nullptr, IID_IPersistFile, persist.PutVoid()), S_OK);
-        if (!persist) return {};
-        return icon_cycle::AskForTheIcon(persist.Get(), test_support::Wide(file_));
+        return icon_cycle::AskANewObject(extension_.GetClassObject(), kVQCPropClassId, test_support::Wide(file_));
     }
 
     ExtensionCopy extension_{"icon-refusal"};
