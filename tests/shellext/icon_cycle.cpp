@@ -7,18 +7,13 @@
 
 #include "common/com_ptr.h"
 #include "tests/faults/fault_layer.h"
+#include "tests/support/hresult_text.h"
 
 namespace icon_cycle {
 namespace {
 
 bool SamePixels(const Pixels& a, const Pixels& b) {
     return a.size.cx == b.size.cx && a.size.cy == b.size.cy && a.colour == b.colour && a.mask == b.mask;
-}
-
-std::string Hex(HRESULT result) {
-    char text[16];
-    std::snprintf(text, sizeof(text), "0x%lx", static_cast<unsigned long>(result));
-    return text;
 }
 
 std::string SizeText(const Pixels& pixels) {
@@ -73,8 +68,9 @@ bool SameAnswer(const IconAnswer& a, const IconAnswer& b) {
 }
 
 std::string Describe(const IconAnswer& a) {
-    std::string text = "load " + Hex(a.load) + ", location " + Hex(a.location) + " '" + a.file + "' index " +
-                       std::to_string(a.index) + " flags " + std::to_string(a.flags) + ", extract " + Hex(a.extract);
+    std::string text = "load " + test_support::HresultText(a.load) + ", location " +
+                       test_support::HresultText(a.location) + " '" + a.file + "' index " + std::to_string(a.index) +
+                       " flags " + std::to_string(a.flags) + ", extract " + test_support::HresultText(a.extract);
     if (a.large) text += ", large " + SizeText(a.largePixels);
     if (a.small) text += ", small " + SizeText(a.smallPixels);
     return text;

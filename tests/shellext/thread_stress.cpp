@@ -17,6 +17,7 @@
 #include "tests/shellext/icon_cycle.h"
 #include "tests/shellext/shell_scenarios.h"
 #include "tests/shellext/shellext_test_support.h"
+#include "tests/support/hresult_text.h"
 
 using namespace page_test;
 
@@ -78,14 +79,9 @@ bool Same(const CycleAnswer& a, const CycleAnswer& b) {
     return a.create == b.create && icon_cycle::SameAnswer(a.icon, b.icon);
 }
 
-std::string Hex(HRESULT result) {
-    char text[16];
-    std::snprintf(text, sizeof(text), "0x%lx", static_cast<unsigned long>(result));
-    return text;
-}
-
 std::string Describe(const CycleAnswer& a) {
-    return "create " + Hex(a.create) + (a.create == S_OK ? ", " + icon_cycle::Describe(a.icon) : "");
+    return "create " + test_support::HresultText(a.create) +
+           (a.create == S_OK ? ", " + icon_cycle::Describe(a.icon) : "");
 }
 
 // The shell's cycle for one file of a folder view, through COM on this thread's apartment:
@@ -306,7 +302,9 @@ private:
             // Every thread and every sheet has let go of its objects.
             const auto canUnloadNow = Export<CanUnloadNowFunction>(module, "DllCanUnloadNow");
             const HRESULT unload = canUnloadNow ? canUnloadNow() : E_FAIL;
-            if (unload != S_OK) result.problems.push_back("DllCanUnloadNow answered " + Hex(unload) + " at the end");
+            if (unload != S_OK)
+                result.problems.push_back("DllCanUnloadNow answered " + test_support::HresultText(unload) +
+                                          " at the end");
             sync.leave.CountDown();
             for (std::thread& thread : running) thread.join();
             CoFreeUnusedLibrariesEx(0, 0);
